@@ -1,0 +1,3 @@
+#include "diagnostics/log.h"
+
+void Log::Write(const std::wstring&) {}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <windows.h>
+
+#include <utility>
+
+// Owners of the Windows resources that the platform layer takes. Each frees what it holds and
+// nothing else; none can be copied.
+
+// A kernel handle: both null and INVALID_HANDLE_VALUE count as "none".
+class UniqueHandle {
+public:
+    UniqueHandle() = default;
+    explicit UniqueHandle(HANDLE value) : handle(value) {}
+    UniqueHandle(UniqueHandle&& other) noexcept : handle(std::exchange(other.handle, nullptr)) {}
+    UniqueHandle& operator=(UniqueHandle&& other) noexcept {
+        if (this != &other) Reset(std::exchange(other.handle, nullptr));
+        return *this;
+    }
+    ~UniqueHandle() { Reset(); }
+    UniqueHandle(const UniqueHandle&) = delete;
+    UniqueHandle& operator=(const UniqueHandle&) = delete;
+
+    bool Valid() const { return handle != nullptr && handle != INVALID_HANDLE_VALUE; }
+    HANDLE Get() const { return handle; }
+    void Reset(HANDLE value = nullptr) {
+        if (Valid()) CloseHandle(handle);
+        handle = value;
+    }
+
+private:
+    HANDLE handle = nullptr;
+};
+
+// A window's DC from GetDC, given back with ReleaseDC.
+class WindowDc {
+public:
+    explicit WindowDc(HWND window) : hwnd(window), dc(GetDC(window)) {}
+    ~WindowDc() {
+        if (dc) ReleaseDC(hwnd, dc);
+    }
+    WindowDc(const WindowDc&) = delete;
+    WindowDc& operator=(const WindowDc&) = delete;
+    HDC Get() const { return dc; }
+
+private:
+    HWND hwnd;
+    HDC dc;
+};
+
+// A COM apartment of this thread, left again only if entering it succeeded (S_FALSE included).
+class ComApartment {
+public:
+    ComApartment() : result(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
+    ~ComApartment() { Leave(); }
+    ComApartment(const ComApartment&) = delete;
+    ComApartment& operator=(const ComApartment&) = delete;
+    // Leaves the apartment now rather than at the end of the scope.
+    void Leave() {
+        if (SUCCEEDED(result)) CoUninitialize();
+        result = E_FAIL;
+    }
+
+private:
+    HRESULT result;
+};
+
+// Frees a GDI object handed to the logic as an opaque PlatformObject.
+inline void DeleteGdiObject(void* object) { DeleteObject(static_cast<HGDIOBJ>(object)); }

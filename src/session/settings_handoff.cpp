@@ -1,0 +1,3 @@
+#include "session/settings_handoff.h"
+
+void OpenSettings() {}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "effects/drawing_surface.h"
+#include "session/saver_mode.h"
+
+// The services of the window thread that the session's logic calls back into: the performance
+// counter, the message queue, the wait for input, hiding windows and making window targets.
+// src/platform/ implements it with the Windows calls; tests script it.
+class WindowThread {
+public:
+    enum class Dispatched { Nothing, Message, Quit };
+
+    virtual ~WindowThread() = default;
+
+    // The performance counter and its frequency (counts per second).
+    virtual int64_t CounterFrequency() = 0;
+    virtual int64_t Counter() = 0;
+    // Removes the next waiting message of the thread: Quit for the quit message, Message after it
+    // has translated and dispatched any other, Nothing when the queue is empty.
+    virtual Dispatched DispatchNext() = 0;
+    // Sleeps up to `milliseconds`, or until any input or posted message arrives.
+    virtual void WaitForInput(uint32_t milliseconds) = 0;
+    virtual void HideWindow(WindowHandle window) = 0;
+    virtual void PostQuit() = 0;
+    // A Direct2D target for the window, `width` x `height` pixels at 96 DPI, that presents with
+    // the display's refresh when `primary` and immediately otherwise; null on failure.
+    virtual std::unique_ptr<DrawingSurface> CreateWindowTarget(const DrawingFactories* factories,
+                                                               WindowHandle window, int32_t width,
+                                                               int32_t height, bool primary) = 0;
+};
