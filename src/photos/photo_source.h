@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "photos/photo_titles.h"
+
 class WorkQueue;
 
 // One window's supply of decoded photos, walking the run's list from its own start index.
@@ -25,7 +27,7 @@ public:
     using Done = std::function<void(Photo&&)>;
 
     PhotoSource(WorkQueue* queue, const std::vector<std::wstring>* photos, uint64_t cursor,
-                const bool (&titleFlags)[2]);
+                TitleFlags flags);
 
     // Asks for the next photo scaled to `width` x `height` in `shape`; `done` runs on the window
     // thread with the result.
@@ -34,5 +36,5 @@ public:
     WorkQueue* queue;
     const std::vector<std::wstring>* photos;
     uint64_t cursor;
-    bool titleFlags[2];
+    TitleFlags titleFlags;
 };

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <array>
 #include <string>
+
+// Whether captions show: element 0 for ordinary photos, element 1 for imported ones.
+using TitleFlags = std::array<bool, 2>;
 
 // Orders two photo paths by their file names (the text behind the last backslash, or the whole
 // path without one), ignoring case: below 0, 0 or above 0.

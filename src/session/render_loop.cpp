@@ -41,7 +41,9 @@ void DrawWindow(ScreenWindow& window, double elapsed) {
 
 int32_t SaverSession::RenderLoop() {
     const int64_t frequency = thread->CounterFrequency();
-    const auto now = [&] { return static_cast<double>(thread->Counter()) * 1000.0 / frequency; };
+    const auto now = [&] {
+        return static_cast<double>(thread->Counter()) * 1000.0 / static_cast<double>(frequency);
+    };
     const double start = now();
     for (;;) {
         // Every waiting message runs before a frame is drawn, completions of the work queue

@@ -6,7 +6,9 @@
 
 #include "library/companion.h"
 #include "library/settings.h"
+#include "diagnostics/log.h"
 #include "photos/photo_titles.h"
+#include "session/window_messages.h"
 
 const char* StageWord(SaverMode mode) {
     switch (mode) {
@@ -99,4 +101,45 @@ float WindowScale(SaverMode mode, uint32_t dpi, int32_t height, int32_t screenHe
         scale = shrink * scale;
     }
     return scale;
+}
+
+void SaverSession::OpenWindows(const std::vector<Rectangle>& rectangles, const WindowOpener& open) {
+    const uint64_t share = PhotoShare(photos.size(), rectangles.size());
+    for (size_t i = 0; i < rectangles.size(); ++i) {
+        const Rectangle& r = rectangles[i];
+        auto window =
+            std::make_unique<ScreenWindow>(this, i * share, r.right - r.left, r.bottom - r.top);
+        if (open(*window, r)) windows.push_back(std::move(window));
+    }
+}
+
+bool SaverSession::StartDirect2D(const RunOptions& options) {
+    // Every result reaches the user interface through the first window.
+    queue.Start(windows.front()->hwnd, WindowMessage::WorkDone);
+    bool ready = true;
+    for (size_t i = 0; i < windows.size() && ready; ++i) {
+        ScreenWindow& window = *windows[i];
+        window.factories = factories.get();
+        window.primary = i == 0;
+        window.scale = WindowScale(mode, thread->WindowDpi(window.hwnd), window.height,
+                                   thread->ScreenHeight());
+        if (!window.CreateTarget()) {
+            ready = false;
+            break;
+        }
+        window.source = std::make_unique<PhotoSource>(&queue, &photos, window.cursor,
+                                                      TitleFlags{title, importedTitle});
+        window.effect = MakeEffect(options.kind, options.effectOptions, *window.source);
+    }
+    if (ready) return true;
+    Log::Write(L"saver: Direct2D isn't working here; showing the crossfade instead");
+    for (const auto& window : windows) {
+        window->effect.reset();
+        window->source.reset();
+        window->layer.reset();
+        window->target.reset();
+        thread->InvalidateWindow(window->hwnd);
+    }
+    // The work queue, already started, stays idle until the session ends.
+    return false;
 }

@@ -83,6 +83,19 @@ struct SaverSession {
     };
     RunOptions ReadOptions();
 
+    // Makes one ScreenWindow per rectangle, each starting `share` photos after the one before;
+    // `open` creates the real window and says whether that worked. A window that fails is lost,
+    // but still counts for the start index of the next.
+    struct Rectangle {
+        int32_t left = 0, top = 0, right = 0, bottom = 0;
+    };
+    using WindowOpener = std::function<bool(ScreenWindow& window, const Rectangle& rectangle)>;
+    void OpenWindows(const std::vector<Rectangle>& rectangles, const WindowOpener& open);
+    // Gives every window its scale, render target, PhotoSource and effect, after starting the
+    // work queue. If one target can't be made, every window goes back to the crossfade and the
+    // result is false.
+    bool StartDirect2D(const RunOptions& options);
+
     SaverMode mode;
     bool fit = false;
     bool title = true;

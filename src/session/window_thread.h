@@ -24,7 +24,13 @@ public:
     // Sleeps up to `milliseconds`, or until any input or posted message arrives.
     virtual void WaitForInput(uint32_t milliseconds) = 0;
     virtual void HideWindow(WindowHandle window) = 0;
+    // Marks the whole window for painting, without erasing.
+    virtual void InvalidateWindow(WindowHandle window) = 0;
     virtual void PostQuit() = 0;
+    // The DPI of the window, or the system's when the window's can't be had.
+    virtual uint32_t WindowDpi(WindowHandle window) = 0;
+    // The height of the primary screen in pixels.
+    virtual int32_t ScreenHeight() = 0;
     // A Direct2D target for the window, `width` x `height` pixels at 96 DPI, that presents with
     // the display's refresh when `primary` and immediately otherwise; null on failure.
     virtual std::unique_ptr<DrawingSurface> CreateWindowTarget(const DrawingFactories* factories,

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "session/window_thread.h"
+
+// The window thread's services on Windows: the performance counter, the thread's message queue,
+// MsgWaitForMultipleObjects, ShowWindow and Direct2D window targets.
+class Win32WindowThread final : public WindowThread {
+public:
+    int64_t CounterFrequency() override;
+    int64_t Counter() override;
+    Dispatched DispatchNext() override;
+    void WaitForInput(uint32_t milliseconds) override;
+    void HideWindow(WindowHandle window) override;
+    void InvalidateWindow(WindowHandle window) override;
+    void PostQuit() override;
+    uint32_t WindowDpi(WindowHandle window) override;
+    int32_t ScreenHeight() override;
+    std::unique_ptr<DrawingSurface> CreateWindowTarget(const DrawingFactories* factories,
+                                                       WindowHandle window, int32_t width,
+                                                       int32_t height, bool primary) override;
+};

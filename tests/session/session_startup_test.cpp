@@ -1,0 +1,127 @@
+// The start-up decisions of a session: the list, its order, the options, the windows' start
+// indices and scale.
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "session/random.h"
+#include "session/saver_session.h"
+#include "support/fake_window_thread.h"
+#include "support/random_fake.h"
+
+namespace {
+
+using Paths = std::vector<std::wstring>;
+
+TEST(SessionStartup, TakesTheSecondFolderOnlyWhenTheFirstIsEmpty) {
+    std::map<std::wstring, Paths> folders{{L"C:\\saver", {}}, {L"C:\\cache", {L"C:\\cache\\a.jpg"}}};
+    const auto list = [&](const std::wstring& folder) { return folders[folder]; };
+    EXPECT_EQ(ChoosePhotos(list, L"C:\\saver", L"C:\\cache"), Paths{L"C:\\cache\\a.jpg"});
+    folders[L"C:\\saver"] = {L"C:\\saver\\b.jpg"};
+    EXPECT_EQ(ChoosePhotos(list, L"C:\\saver", L"C:\\cache"), Paths{L"C:\\saver\\b.jpg"});
+}
+
+TEST(SessionStartup, SortsByFileNameStablyWhenNotRandom) {
+    Paths photos{L"C:\\x\\b.jpg", L"C:\\z\\A.jpg", L"C:\\y\\Same.jpg", L"C:\\a\\same.JPG",
+                 L"noslash.jpg"};
+    const auto drawn = RandomDrawCount();
+    OrderPhotos(photos, 0, RandomU32);
+    EXPECT_EQ(photos, (Paths{L"C:\\z\\A.jpg", L"C:\\x\\b.jpg", L"noslash.jpg", L"C:\\y\\Same.jpg",
+                             L"C:\\a\\same.JPG"}));
+    EXPECT_EQ(RandomDrawCount(), drawn);
+}
+
+TEST(SessionStartup, ShufflesFromTheTopWithOneNumberPerStep) {
+    struct Case {
+        Paths photos;
+        std::vector<uint32_t> numbers;
+        Paths expected;
+    };
+    const Case cases[] = {
+        {{L"a"}, {}, {L"a"}}, // one photo draws nothing
+        {{}, {}, {}},
+        // n=3: r=0 swaps 2 and 0; n=2: r=3 gives 1, its own place.
+        {{L"a", L"b", L"c"}, {0, 3}, {L"c", L"b", L"a"}},
+        // n=4: r=7 gives 3 (stays); n=3: r=4 gives 1; n=2: r=0xFFFFFFFF gives 1 (stays).
+        {{L"a", L"b", L"c", L"d"}, {7, 4, 0xFFFFFFFFu}, {L"a", L"c", L"b", L"d"}},
+    };
+    for (const auto& c : cases) {
+        size_t next = 0;
+        Paths photos = c.photos;
+        OrderPhotos(photos, -1, [&] { return c.numbers.at(next++); });
+        EXPECT_EQ(photos, c.expected);
+        EXPECT_EQ(next, c.numbers.size());
+    }
+}
+
+TEST(SessionStartup, PauseIndexIsOneDigitFromZeroToFive) {
+    const std::pair<std::wstring, int32_t> cases[] = {
+        {L"0", 0}, {L"5", 5}, {L"3", 3}, {L"6", 2}, {L"10", 2}, {L"", 2}, {L"-1", 2}, {L" 1", 2}, {L"a", 2},
+    };
+    for (const auto& [text, index] : cases) EXPECT_EQ(PauseIndex(text), index) << std::string(text.begin(), text.end());
+}
+
+TEST(SessionStartup, ScaleFollowsDpiAndShrinksInPreview) {
+    EXPECT_FLOAT_EQ(WindowScale(SaverMode::Fullscreen, 96, 1080, 1080), 1.0f);
+    EXPECT_FLOAT_EQ(WindowScale(SaverMode::Fullscreen, 144, 200, 1080), 1.5f);
+    EXPECT_EQ(WindowScale(SaverMode::Preview, 96, 200, 1080), 200.0f / 1080.0f);
+    EXPECT_EQ(WindowScale(SaverMode::Preview, 192, 200, 1080), (200.0f / 1080.0f) * 2.0f);
+    EXPECT_EQ(WindowScale(SaverMode::Preview, 96, 200, 0), 200.0f); // no screen height: 1
+}
+
+struct WindowsCase {
+    size_t photos;
+    size_t rectangles;
+    size_t failing; // index of a rectangle whose window fails, or none
+    std::vector<uint64_t> cursors;
+};
+
+TEST(SessionStartup, WindowsStartShareApartAndAFailedOneKeepsItsPlace) {
+    constexpr size_t kNone = 99;
+    const WindowsCase cases[] = {
+        {10, 2, kNone, {0, 5}},
+        {2, 3, kNone, {0, 1, 2}},
+        {10, 3, kNone, {0, 3, 6}},
+        {10, 3, 1, {0, 6}},
+        {0, 2, kNone, {0, 1}},
+        {5, 0, kNone, {}},
+    };
+    for (const auto& c : cases) {
+        FakeWindowThread thread;
+        SaverSession session(SaverMode::Fullscreen, &thread);
+        session.photos.assign(c.photos, L"p.jpg");
+        std::vector<SaverSession::Rectangle> rectangles;
+        for (int32_t i = 0; i < static_cast<int32_t>(c.rectangles); ++i) {
+            rectangles.push_back({1920 * i, -10, 1920 * (i + 1), 1070});
+        }
+        size_t index = 0;
+        session.OpenWindows(rectangles, [&](ScreenWindow& window, const SaverSession::Rectangle&) {
+            EXPECT_EQ(window.session, &session);
+            return index++ != c.failing;
+        });
+        std::vector<uint64_t> cursors;
+        for (const auto& window : session.windows) {
+            cursors.push_back(window->cursor);
+            EXPECT_EQ(window->width, 1920);
+            EXPECT_EQ(window->height, 1080);
+        }
+        EXPECT_EQ(cursors, c.cursors);
+    }
+}
+
+TEST(SessionStartup, EffectKindParsesExactlyAndRandomDrawsOnce) {
+    const std::pair<std::wstring, EffectKind> cases[] = {
+        {L"", EffectKind::Fader},          {L"faller", EffectKind::Faller},
+        {L"fourup", EffectKind::FourUp},   {L"kber", EffectKind::Panner},
+        {L"slider", EffectKind::Slider},   {L"reflections", EffectKind::Reflections},
+        {L"KBER", EffectKind::Fader},      {L"Random", EffectKind::Fader},
+        {L"slider ", EffectKind::Fader},
+    };
+    for (const auto& [text, kind] : cases) EXPECT_EQ(ParseEffectKind(text), kind);
+    SetNextRandom(6 * 1000 + 4);
+    const auto drawn = RandomDrawCount();
+    EXPECT_EQ(ParseEffectKind(L"random"), EffectKind::Slider);
+    EXPECT_EQ(RandomDrawCount(), drawn + 1);
+}
+
+} // namespace

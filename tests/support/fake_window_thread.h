@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "session/window_thread.h"
+
+// A scripted window thread: a counter at one count per microsecond that tests move forward, a
+// message queue of callables (a null one is the quit message), and records of what the logic
+// asked of the window system.
+class FakeWindowThread final : public WindowThread {
+public:
+    int64_t CounterFrequency() override { return 1'000'000; }
+    int64_t Counter() override {
+        if (onCounter) onCounter();
+        return counter;
+    }
+    Dispatched DispatchNext() override {
+        if (messages.empty()) return Dispatched::Nothing;
+        auto message = std::move(messages.front());
+        messages.pop_front();
+        if (!message) return Dispatched::Quit;
+        message();
+        return Dispatched::Message;
+    }
+    void WaitForInput(uint32_t milliseconds) override {
+        waits.push_back(milliseconds);
+        if (onWait) onWait();
+    }
+    void HideWindow(WindowHandle window) override { hidden.push_back(window); }
+    void InvalidateWindow(WindowHandle window) override { invalidated.push_back(window); }
+    void PostQuit() override {
+        ++quitsPosted;
+        messages.push_back(nullptr);
+    }
+    uint32_t WindowDpi(WindowHandle) override { return dpi; }
+    int32_t ScreenHeight() override { return screenHeight; }
+    std::unique_ptr<DrawingSurface> CreateWindowTarget(const DrawingFactories*, WindowHandle window,
+                                                       int32_t, int32_t, bool primary) override {
+        ++targetsRequested;
+        return makeTarget ? makeTarget(window, primary) : nullptr;
+    }
+
+    // Moves the counter by `milliseconds`.
+    void Advance(double milliseconds) { counter += static_cast<int64_t>(milliseconds * 1000.0 + 0.5); }
+
+    int64_t counter = 5'000'000;
+    std::function<void()> onCounter;
+    std::function<void()> onWait;
+    std::deque<std::function<void()>> messages;
+    std::vector<uint32_t> waits;
+    std::vector<WindowHandle> hidden;
+    std::vector<WindowHandle> invalidated;
+    int quitsPosted = 0;
+    uint32_t dpi = 96;
+    int32_t screenHeight = 1080;
+    int targetsRequested = 0;
+    std::function<std::unique_ptr<DrawingSurface>(WindowHandle, bool)> makeTarget;
+};
