@@ -27,8 +27,9 @@ public:
         return Dispatched::Message;
     }
     void WaitForInput(uint32_t milliseconds) override {
+        // The wait sleeps its whole time: nothing arrives early in a scripted queue.
         waits.push_back(milliseconds);
-        if (onWait) onWait();
+        Advance(milliseconds);
     }
     void HideWindow(WindowHandle window) override { hidden.push_back(window); }
     void InvalidateWindow(WindowHandle window) override { invalidated.push_back(window); }
@@ -49,7 +50,6 @@ public:
 
     int64_t counter = 5'000'000;
     std::function<void()> onCounter;
-    std::function<void()> onWait;
     std::deque<std::function<void()>> messages;
     std::vector<uint32_t> waits;
     std::vector<WindowHandle> hidden;
