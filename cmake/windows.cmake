@@ -15,6 +15,9 @@ target_link_libraries(lumivane_platform PUBLIC lumivane_logic
     user32 gdi32 ole32 shell32 advapi32 uuid windowscodecs msimg32)
 target_compile_options(lumivane_platform PRIVATE -Wall -Wextra)
 
+# The resource script pulls these in; rebuild it when they change.
+set_source_files_properties(res/lumivane.rc PROPERTIES OBJECT_DEPENDS
+    "${CMAKE_SOURCE_DIR}/res/lumivane.manifest;${CMAKE_SOURCE_DIR}/res/lumivane.ico")
 add_executable(Lumivane WIN32 src/platform/main_win.cpp res/lumivane.rc)
 set_target_properties(Lumivane PROPERTIES OUTPUT_NAME Lumivane SUFFIX .scr)
 target_link_options(Lumivane PRIVATE -municode)
