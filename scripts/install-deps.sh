@@ -15,6 +15,7 @@ want googletest
 want g++-mingw-w64-x86-64-posix
 want wine64
 want xvfb
+want xserver-xephyr
 want xauth
 want libgl1-mesa-dri
 want fonts-dejavu-core

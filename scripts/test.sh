@@ -1,0 +1,146 @@
+#!/usr/bin/env bash
+# Runs every test of Lumivane on a Debian machine, installing what is missing first:
+#   tier 1  host unit tests (g++, AddressSanitizer + UBSan) through ctest, in build/host
+#   tier 2  Windows tests of the platform layer under Wine, in build/win
+#   tier 3  end-to-end scenarios: the real Lumivane.scr under Wine on a virtual two-monitor display
+# Exits non-zero when any tier fails. Works unattended (CI=true, no standard input, as root).
+set -uo pipefail
+
+ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+cd "$ROOT"
+BUILD="$ROOT/build"
+export LUMIVANE_BUILD_DIR="$BUILD"
+JOBS="$(nproc 2>/dev/null || echo 2)"
+# A tier that hangs (a dialog nobody closes, a saver that never ends) fails instead of
+# holding CI until its deadline.
+WINE_TIER_TIMEOUT="${LUMIVANE_WINE_TIER_TIMEOUT:-900}"
+
+declare -a SUMMARY=()
+TOTAL_PASSED=0
+TOTAL_FAILED=0
+FAILED_TIERS=0
+STARTED=$SECONDS
+
+say() { printf '\n=== %s\n' "$*"; }
+
+# record NAME STATUS PASSED FAILED SECONDS
+record() {
+  SUMMARY+=("$(printf '%-34s %-6s %5s passed %5s failed %5ss' "$1" "$2" "$3" "$4" "$5")")
+  TOTAL_PASSED=$((TOTAL_PASSED + $3))
+  TOTAL_FAILED=$((TOTAL_FAILED + $4))
+  if [ "$2" != ok ]; then FAILED_TIERS=$((FAILED_TIERS + 1)); fi
+}
+
+# Counts from a GoogleTest log: "[  PASSED  ] 18 tests." and "[  FAILED  ] 1 test, listed below:".
+gtest_count() {
+  local kind="$1" log="$2"
+  grep -aE "^\[  $kind  \] [0-9]+ tests?[,.]" "$log" | tail -1 | sed -E 's/^\[[^]]*\] ([0-9]+).*/\1/' || true
+}
+
+say "dependencies"
+if ! bash scripts/install-deps.sh </dev/null; then
+  echo "test.sh: installing the dependencies failed" >&2
+  exit 1
+fi
+
+# ---- tier 1 -------------------------------------------------------------------------------
+say "tier 1: host unit tests (ASan + UBSan)"
+t=$SECONDS
+host_log="$(mktemp)"
+if cmake -S . -B build/host -G Ninja -DCMAKE_BUILD_TYPE=Debug -DLUMIVANE_SANITIZE=ON \
+     -DLUMIVANE_TESTS=ON &&
+   cmake --build build/host -j "$JOBS"; then
+  (cd build/host && ctest --output-on-failure -j "$JOBS" </dev/null) 2>&1 | tee "$host_log"
+  status=${PIPESTATUS[0]}
+  passed=$(grep -aE '^[0-9]+% tests passed' "$host_log" | sed -E 's/.* ([0-9]+)$/\1/' | tail -1)
+  failed=$(grep -aE '^[0-9]+% tests passed' "$host_log" | sed -E 's/.*, ([0-9]+) tests? failed.*/\1/' | tail -1)
+  total=${passed:-0}
+  passed=$((total - ${failed:-0}))
+  if [ "$status" -eq 0 ] && [ "$total" -gt 0 ]; then tier=ok; else tier=FAILED; fi
+  record "1 host unit tests" "$tier" "$passed" "${failed:-0}" $((SECONDS - t))
+else
+  record "1 host unit tests (build)" FAILED 0 0 $((SECONDS - t))
+fi
+rm -f "$host_log"
+
+# ---- Windows build ------------------------------------------------------------------------
+say "Windows cross build"
+t=$SECONDS
+win_built=0
+if cmake -S . -B build/win -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake \
+     -DCMAKE_BUILD_TYPE=Release -DLUMIVANE_TESTS=ON &&
+   cmake --build build/win -j "$JOBS"; then
+  win_built=1
+  record "  Windows build" ok 0 0 $((SECONDS - t))
+else
+  record "  Windows build" FAILED 0 0 $((SECONDS - t))
+fi
+
+# Lumivane.scr must run alone in System32: no MinGW runtime DLL may sit beside it.
+if [ "$win_built" = 1 ]; then
+  say "imports of Lumivane.scr"
+  imports="$(x86_64-w64-mingw32-objdump -p build/win/Lumivane.scr | sed -n 's/.*DLL Name: //p')"
+  echo "$imports" | sed 's/^/  /'
+  foreign="$(echo "$imports" | grep -iE '^lib|pthread|gcc|stdc\+\+|mingw' || true)"
+  if [ -z "$imports" ] || [ -n "$foreign" ]; then
+    echo "Lumivane.scr needs DLLs that Windows doesn't ship: ${foreign:-(no import table read)}" >&2
+    record "  Lumivane.scr imports" FAILED 0 1 0
+  else
+    record "  Lumivane.scr imports" ok 1 0 0
+  fi
+fi
+
+# ---- tiers 2 and 3 under Wine -------------------------------------------------------------
+# run_wine_tier NAME EXE [ARGS...]: one GoogleTest program under Wine, in its own folder.
+run_wine_tier() {
+  local name="$1" exe="$2"; shift 2
+  local t=$SECONDS log
+  log="$(mktemp)"
+  if [ ! -f "$exe" ]; then
+    echo "missing $exe" >&2
+    record "$name" FAILED 0 1 0
+    return
+  fi
+  (cd "$(dirname "$exe")" &&
+    timeout --foreground --kill-after=10 "$WINE_TIER_TIMEOUT" "$LUMIVANE_WINE64" "./$(basename "$exe")" "$@" \
+      </dev/null) 2>&1 | tee "$log"
+  local status=${PIPESTATUS[0]}
+  local passed failed
+  passed="$(gtest_count PASSED "$log")"
+  failed="$(gtest_count FAILED "$log")"
+  passed=${passed:-0}
+  failed=${failed:-0}
+  local tier=ok
+  if [ "$status" -eq 124 ]; then
+    echo "$name: timed out after $WINE_TIER_TIMEOUT s" >&2
+    tier=TIMEOUT
+  elif [ "$status" -ne 0 ] || [ "$failed" -gt 0 ] || [ "$passed" -eq 0 ]; then
+    tier=FAILED
+    [ "$failed" -eq 0 ] && failed=1 # crashed or ran nothing: count the program as one failure
+  fi
+  record "$name" "$tier" "$passed" "$failed" $((SECONDS - t))
+  rm -f "$log"
+}
+
+if [ "$win_built" = 1 ]; then
+  # shellcheck source=scripts/wine-env.sh
+  source "$ROOT/scripts/wine-env.sh"
+  say "Wine and the virtual display"
+  if lumivane_wine_start; then
+    say "tier 2: Windows tests under Wine"
+    run_wine_tier "2 Windows tests (Wine)" build/win/tests/lumivane_win_tests.exe
+    say "tier 3: end-to-end under Wine"
+    LUMIVANE_SCR="Z:${ROOT//\//\\}\\build\\win\\Lumivane.scr" \
+      run_wine_tier "3 end-to-end (Wine)" build/win/tests/lumivane_e2e.exe
+    lumivane_wine_stop
+  else
+    record "2+3 Wine / virtual display" FAILED 0 0 0
+  fi
+fi
+
+# ---- summary ------------------------------------------------------------------------------
+say "summary ($((SECONDS - STARTED)) s)"
+for line in "${SUMMARY[@]}"; do echo "  $line"; done
+if [ "$FAILED_TIERS" -eq 0 ]; then echo "ALL TIERS PASSED"; else echo "$FAILED_TIERS STEP(S) FAILED"; fi
+echo "tests: $TOTAL_PASSED passed, $TOTAL_FAILED failed"
+[ "$FAILED_TIERS" -eq 0 ]
