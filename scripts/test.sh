@@ -127,11 +127,12 @@ if [ "$win_built" = 1 ]; then
   source "$ROOT/scripts/wine-env.sh"
   say "Wine and the virtual display"
   if lumivane_wine_start; then
+    # Both tiers look at the built saver: its resources, and the real thing.
+    export LUMIVANE_SCR="Z:${ROOT//\//\\}\\build\\win\\Lumivane.scr"
     say "tier 2: Windows tests under Wine"
     run_wine_tier "2 Windows tests (Wine)" build/win/tests/lumivane_win_tests.exe
     say "tier 3: end-to-end under Wine"
-    LUMIVANE_SCR="Z:${ROOT//\//\\}\\build\\win\\Lumivane.scr" \
-      run_wine_tier "3 end-to-end (Wine)" build/win/tests/lumivane_e2e.exe
+    run_wine_tier "3 end-to-end (Wine)" build/win/tests/lumivane_e2e.exe
     lumivane_wine_stop
   else
     record "2+3 Wine / virtual display" FAILED 0 0 0
