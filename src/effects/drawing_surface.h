@@ -35,7 +35,7 @@ enum class WordWrapping : int32_t { Wrap = 0, NoWrap = 1 };
 
 // What a text format is made from: family, weight (400 normal, 600 semi-bold), style
 // (0 normal, 2 italic), stretch (5 normal) and size in units.
-struct TextFormatSpec {
+struct TextFormatParams {
     std::wstring_view family;
     int32_t weight = 400;
     int32_t style = 0;
@@ -116,7 +116,7 @@ public:
     virtual std::unique_ptr<SurfaceBitmap> GetBitmap() = 0;
     // A text format from the DirectWrite factory of the run, with no collection and an empty
     // locale; null on failure.
-    virtual std::unique_ptr<TextFormat> CreateTextFormat(const TextFormatSpec& spec) = 0;
+    virtual std::unique_ptr<TextFormat> CreateTextFormat(const TextFormatParams& font) = 0;
 
     // Draws `bitmap` scaled into `destination` with linear interpolation; `source` null means the
     // whole bitmap.

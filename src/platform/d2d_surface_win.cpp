@@ -116,7 +116,7 @@ public:
     std::unique_ptr<SurfaceLayer> CreateLayer() override;
     std::unique_ptr<DrawingSurface> CreateCompatibleRenderTarget(SizeF size, uint32_t pixelWidth,
                                                                  uint32_t pixelHeight) override;
-    std::unique_ptr<TextFormat> CreateTextFormat(const TextFormatSpec& spec) override;
+    std::unique_ptr<TextFormat> CreateTextFormat(const TextFormatParams& font) override;
 
     void DrawBitmap(const SurfaceBitmap& bitmap, const RectF& destination, float opacity,
                     const RectF* source) override;
@@ -222,14 +222,14 @@ std::unique_ptr<DrawingSurface> D2dSurface::CreateCompatibleRenderTarget(SizeF s
     return std::make_unique<OffscreenSurface>(std::move(offscreen), dwriteFactory);
 }
 
-std::unique_ptr<TextFormat> D2dSurface::CreateTextFormat(const TextFormatSpec& spec) {
+std::unique_ptr<TextFormat> D2dSurface::CreateTextFormat(const TextFormatParams& font) {
     if (!dwriteFactory) return nullptr;
-    const std::wstring family(spec.family); // DirectWrite wants it terminated
+    const std::wstring family(font.family); // DirectWrite wants it terminated
     ComPtr<IDWriteTextFormat> format;
     if (FAILED(dwriteFactory->CreateTextFormat(
-            family.c_str(), nullptr, static_cast<DWRITE_FONT_WEIGHT>(spec.weight),
-            static_cast<DWRITE_FONT_STYLE>(spec.style),
-            static_cast<DWRITE_FONT_STRETCH>(spec.stretch), spec.size, L"", &format))) {
+            family.c_str(), nullptr, static_cast<DWRITE_FONT_WEIGHT>(font.weight),
+            static_cast<DWRITE_FONT_STYLE>(font.style),
+            static_cast<DWRITE_FONT_STRETCH>(font.stretch), font.size, L"", &format))) {
         return nullptr;
     }
     return std::make_unique<DWriteFormat>(std::move(format));

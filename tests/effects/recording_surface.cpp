@@ -438,13 +438,13 @@ std::unique_ptr<SurfaceBitmap> RecordingSurface::GetBitmap() {
     return std::make_unique<RecordedBitmap>(log, id, device);
 }
 
-std::unique_ptr<TextFormat> RecordingSurface::CreateTextFormat(const TextFormatSpec& spec) {
+std::unique_ptr<TextFormat> RecordingSurface::CreateTextFormat(const TextFormatParams& font) {
     SurfaceCall& call = Record(SurfaceCall::Op::CreateTextFormat);
-    call.text = std::wstring(spec.family);
-    call.weight = spec.weight;
-    call.style = spec.style;
-    call.stretch = spec.stretch;
-    call.fontSize = spec.size;
+    call.text = std::wstring(font.family);
+    call.weight = font.weight;
+    call.style = font.style;
+    call.stretch = font.stretch;
+    call.fontSize = font.size;
     if (log->failTextFormats) return nullptr;
     call.object = log->nextId++;
     return std::make_unique<RecordedFormat>(log, call.object, id);

@@ -171,7 +171,7 @@ public:
     std::unique_ptr<DrawingSurface> CreateCompatibleRenderTarget(SizeF size, uint32_t pixelWidth,
                                                                  uint32_t pixelHeight) override;
     std::unique_ptr<SurfaceBitmap> GetBitmap() override;
-    std::unique_ptr<TextFormat> CreateTextFormat(const TextFormatSpec& spec) override;
+    std::unique_ptr<TextFormat> CreateTextFormat(const TextFormatParams& font) override;
     void DrawBitmap(const SurfaceBitmap& bitmap, const RectF& destination, float opacity,
                     const RectF* source) override;
     void FillRectangle(const RectF& rectangle, const SurfaceBrush& brush) override;

@@ -244,8 +244,8 @@ TEST_F(D2dSurfaceTest, GradientRunsFromStartToEndAndClampsBeyond) {
 
 // Text shows only where the prefix maps "Segoe UI" to a font it has, as the test scripts do.
 TEST_F(D2dSurfaceTest, TextAndLayersDrawInsideAFrame) {
-    const TextFormatSpec spec{L"Segoe UI", 600, 0, 5, 24};
-    auto format = surface->CreateTextFormat(spec);
+    const TextFormatParams font{L"Segoe UI", 600, 0, 5, 24};
+    auto format = surface->CreateTextFormat(font);
     ASSERT_TRUE(format);
     format->SetTextAlignment(TextAlignment::Center);
     format->SetParagraphAlignment(ParagraphAlignment::Center);
