@@ -117,7 +117,7 @@ bool SaverSession::StartDirect2D(const RunOptions& options) {
     // Every result reaches the user interface through the first window.
     queue.Start(windows.front()->hwnd, WindowMessage::WorkDone);
     bool ready = true;
-    for (size_t i = 0; i < windows.size() && ready; ++i) {
+    for (size_t i = 0; i < windows.size(); ++i) {
         ScreenWindow& window = *windows[i];
         window.factories = factories.get();
         window.primary = i == 0;
