@@ -14,6 +14,9 @@ add_library(lumivane_platform STATIC ${LUMIVANE_PLATFORM_SOURCES})
 target_link_libraries(lumivane_platform PUBLIC lumivane_logic
     user32 gdi32 ole32 shell32 advapi32 uuid windowscodecs msimg32)
 target_compile_options(lumivane_platform PRIVATE -Wall -Wextra)
+# The logic calls functions that the platform layer defines (RandomU32, DecodeScaled, ...): the
+# two archives depend on each other, and CMake repeats them on the link line.
+target_link_libraries(lumivane_logic INTERFACE lumivane_platform)
 
 # The resource script pulls these in; rebuild it when they change.
 set_source_files_properties(res/lumivane.rc PROPERTIES OBJECT_DEPENDS

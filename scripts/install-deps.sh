@@ -19,6 +19,9 @@ want xserver-xephyr
 want xauth
 want libgl1-mesa-dri
 want fonts-dejavu-core
+# clang with its runtime libraries, for the libFuzzer target of tests/fuzz
+want clang
+want libclang-rt-14-dev
 for extra in "$@"; do want "$extra"; done
 
 if [ ${#need[@]} -eq 0 ]; then

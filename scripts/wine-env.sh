@@ -26,7 +26,7 @@ LUMIVANE_X_NUMBER=""
 LUMIVANE_WINE_STARTED=0
 
 # Bump when the prefix set-up below changes, so that existing prefixes are brought up to date.
-LUMIVANE_PREFIX_STAMP="lumivane-prefix-v2"
+LUMIVANE_PREFIX_STAMP="lumivane-prefix-v3"
 
 lumivane_log() { echo "wine-env: $*" >&2; }
 
@@ -94,6 +94,12 @@ lumivane_display_usable() {
 # screen. Windows are left unmanaged: with no window manager on the virtual display, Wine
 # would wait 2 s for one to acknowledge every window that is hidden.
 lumivane_configure_prefix() {
+  # Wine links the user's Documents, Pictures, ... to the Linux home folder. The saver makes its
+  # photo tree in Documents: keep that inside the prefix, as plain folders.
+  local link
+  while IFS= read -r link; do
+    rm -f "$link" && mkdir -p "$link"
+  done < <(find "$WINEPREFIX/drive_c/users" -mindepth 2 -maxdepth 2 -type l 2>/dev/null)
   local fonts="$WINEPREFIX/drive_c/windows/Fonts"
   mkdir -p "$fonts"
   cp -f /usr/share/fonts/truetype/dejavu/DejaVuSans.ttf "$fonts/"

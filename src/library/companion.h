@@ -33,8 +33,13 @@ inline constexpr wchar_t kScreenSaverFolderName[] = L"Lumivane ScreenSaver";
 inline constexpr wchar_t kWallpaperFolderName[] = L"Lumivane Wallpaper";
 inline constexpr wchar_t kWallpaperCacheFolderName[] = L"Wallpaper Cache";
 inline constexpr wchar_t kFixedItemsFolder[] = L"C:\\LumivaneItems";
+// Folders of the data folder that the companion application uses.
+inline constexpr wchar_t kSlidesFolderName[] = L"Slides";
+inline constexpr wchar_t kUpdatesFolderName[] = L"Updates";
 
-// The companion's settings file under the roaming application data, and the key read from it.
+// The companion's folder and settings file under the roaming application data, and the key read
+// from that file.
+inline constexpr wchar_t kCompanionRoamingFolder[] = L"Lumivane";
 inline constexpr wchar_t kCompanionSettingsFile[] = L"Lumivane\\Settings";
 inline constexpr char kCompanionDataDirKey[] = "data-dir";
 

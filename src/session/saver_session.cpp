@@ -73,7 +73,7 @@ void OrderPhotos(std::vector<std::wstring>& photos, int32_t randomFlag,
     if (randomFlag == 0) {
         std::stable_sort(photos.begin(), photos.end(),
                          [](const std::wstring& a, const std::wstring& b) {
-                             return ComparePhotoNames(a, b) < 0;
+                             return ComparePhotoNames(a, b);
                          });
         return;
     }

@@ -1,0 +1,97 @@
+// The reader of the companion's settings file, and the "data-dir" taken from it.
+#include <gtest/gtest.h>
+
+#include "library/data_dir_setting.h"
+#include "library/json_reader.h"
+#include "library/memory_tree.h"
+
+namespace {
+
+TEST(JsonReader, AcceptsAndRefusesDocuments) {
+    struct Case {
+        std::string text;
+        bool parses;
+    };
+    const Case cases[] = {
+        {"{}", true},
+        {"{} \t\r\n", true},
+        {"{} x", false},
+        {"\xEF\xBB\xBF{}", false},
+        {"[1,2]", true},
+        {"{\"a\":1,}", false},
+        {"[1,]", false},
+        {"truex", false},
+        {"[nulll]", false},
+        {"{\"a\" 1}", false},
+        {"{\"a\":[true,false,null,-1.5e2,\"\x01\xFF\"]}", true},
+        {"\"\\q\"", false},
+        {"\"\\u12\"", false},
+        {"\"abc", false},
+        {"[", false},
+        {"", false},
+        {"-", false},
+        {"{\"a\":1 \"b\":2}", false},
+    };
+    for (const Case& c : cases) {
+        JsonValue value;
+        value.type = JsonValue::Number;
+        EXPECT_EQ(JsonValue::Parse(c.text, value), c.parses) << c.text;
+        if (!c.parses) EXPECT_EQ(value.type, JsonValue::Null) << c.text;
+    }
+}
+
+TEST(JsonReader, StringsKeepTheirEscapesRules) {
+    const std::pair<std::string, std::string> cases[] = {
+        {R"("\ud83d\ude00")", "\xF0\x9F\x98\x80"},
+        {R"("\ud83dx")", "\xEF\xBF\xBDx"},
+        {R"("\ude00")", "\xEF\xBF\xBD"},
+        {R"("\uD83D\u0041")", "\xEF\xBF\xBD"}, // the second escape is used up all the same
+        {R"("\u00e9\u20AC")", "\xC3\xA9\xE2\x82\xAC"},
+        {R"("\u0000")", std::string(1, '\0')},
+        {R"("\"\\\/\b\f\n\r\t")", "\"\\/\b\f\n\r\t"},
+    };
+    for (const auto& [text, expected] : cases) {
+        JsonValue value;
+        ASSERT_TRUE(JsonValue::Parse(text, value)) << text;
+        EXPECT_EQ(value.text, expected) << text;
+    }
+}
+
+TEST(JsonReader, NestsSixtyFourLevelsBelowTheRoot) {
+    JsonValue value;
+    EXPECT_TRUE(JsonValue::Parse(std::string(65, '[') + std::string(65, ']'), value));
+    EXPECT_FALSE(JsonValue::Parse(std::string(66, '[') + std::string(66, ']'), value));
+}
+
+TEST(JsonReader, FindTakesTheFirstOfEqualKeys) {
+    JsonValue value;
+    ASSERT_TRUE(JsonValue::Parse(R"({"k":"A","n":5,"k":"B"})", value));
+    EXPECT_EQ(value.GetString("k", "-"), "A");
+    EXPECT_EQ(value.GetString("n", "-"), "-");
+    EXPECT_EQ(value.Find("n").number, 5);
+    EXPECT_EQ(value.Find("K").type, JsonValue::Null);
+    EXPECT_EQ(value.items[1].Find("k").type, JsonValue::Null); // not an object
+}
+
+TEST(JsonReader, DataDirLosesTrailingSlashesBeyondTheThirdCharacter) {
+    const std::pair<std::string, std::wstring> cases[] = {
+        {R"({"data-dir":"C:\\Photos\\"})", L"C:\\Photos"},
+        {R"({"data-dir":"C:\\Photos\\\\"})", L"C:\\Photos"},
+        {R"({"data-dir":"D:\\"})", L"D:\\"},
+        {R"({"data-dir":"C:/Photos/"})", L"C:/Photos"},
+        {R"({"data-dir":5})", L""},
+        {R"({"other":"x"})", L""},
+        {R"({"data-dir":"A","data-dir":"B"})", L"A"},
+        {R"(["data-dir"])", L""},
+        {R"({"data-dir":"X")", L""},
+    };
+    for (const auto& [content, expected] : cases) {
+        MemoryTree tree;
+        tree.AddFile(L"C:\\U\\Roaming\\Lumivane\\Settings", 0, 0x20, content);
+        EXPECT_EQ(ReadDataDirSetting(tree), expected) << content;
+    }
+    MemoryTree noFile;
+    EXPECT_EQ(ReadDataDirSetting(noFile), L"");
+}
+
+} // namespace
