@@ -2,18 +2,109 @@
 
 #include <utility>
 
-WorkQueue::~WorkQueue() { Stop(); }
+WorkQueue::WorkQueue(System& system) : shared(std::make_shared<Shared>()) {
+    shared->system = &system;
+}
+
+WorkQueue::~WorkQueue() {
+    Stop();
+    // A queue that never had a thread still holds its items; a late thread may still add one.
+    std::deque<Item> results;
+    std::deque<Item> jobs;
+    {
+        std::lock_guard<std::mutex> hold(shared->lock);
+        results.swap(shared->results);
+        jobs.swap(shared->jobs);
+    }
+    results.clear();
+    jobs.clear();
+}
 
 void WorkQueue::Start(WindowHandle targetWindow, uint32_t privateMessage) {
     window = targetWindow;
     message = privateMessage;
-    started = true;
+    {
+        std::lock_guard<std::mutex> hold(shared->lock);
+        shared->window = targetWindow;
+        shared->message = privateMessage;
+    }
+    shared->stopping = false;
+    shared->wake = shared->system->CreateWake();
+    if (!shared->wake) return;
+    // The thread's own reference keeps the lock and the queues alive for as long as it runs.
+    thread = shared->system->StartThread([block = shared] { block->RunJobs(); });
 }
 
-void WorkQueue::Post(Item job) { Item dropped = std::move(job); }
+void WorkQueue::Post(Item job) {
+    {
+        std::lock_guard<std::mutex> hold(shared->lock);
+        shared->jobs.push_back(std::move(job));
+    }
+    // Signalled after the append, and the emptiness test is under the lock: no wake is lost.
+    if (shared->wake) shared->wake->Set();
+}
 
-void WorkQueue::PostResult(Item completion) { Item dropped = std::move(completion); }
+void WorkQueue::PostResult(Item completion) { shared->PostResult(std::move(completion)); }
 
-void WorkQueue::Drain() {}
+void WorkQueue::Shared::PostResult(Item completion) {
+    WindowHandle target = nullptr;
+    uint32_t number = 0;
+    {
+        std::lock_guard<std::mutex> hold(lock);
+        if (!window) return; // the completion goes with this frame, unrun
+        results.push_back(std::move(completion));
+        target = window;
+        number = message;
+    }
+    system->Notify(target, number);
+}
 
-void WorkQueue::Stop() { started = false; }
+void WorkQueue::Shared::RunJobs() {
+    while (!stopping) {
+        wake->Wait();
+        if (stopping) return;
+        for (;;) {
+            Item job;
+            {
+                std::lock_guard<std::mutex> hold(lock);
+                if (jobs.empty()) break;
+                job = std::move(jobs.front());
+                jobs.pop_front();
+            }
+            job();
+            job = nullptr;
+            if (stopping) return;
+        }
+    }
+}
+
+void WorkQueue::Drain() {
+    for (;;) {
+        Item completion;
+        {
+            std::lock_guard<std::mutex> hold(shared->lock);
+            if (shared->results.empty()) return;
+            completion = std::move(shared->results.front());
+            shared->results.pop_front();
+        }
+        completion();
+    }
+}
+
+void WorkQueue::Stop() {
+    if (!thread) return;
+    shared->stopping = true;
+    shared->wake->Set();
+    thread->Wait(kStopWaitMilliseconds);
+    thread.reset();
+    // Items are destroyed outside the lock, so that whatever they own can't run into it.
+    std::deque<Item> jobs;
+    std::deque<Item> results;
+    {
+        std::lock_guard<std::mutex> hold(shared->lock);
+        jobs.swap(shared->jobs);
+        results.swap(shared->results);
+    }
+    jobs.clear();
+    results.clear();
+}

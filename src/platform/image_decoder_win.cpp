@@ -1,0 +1,134 @@
+// Decoding through the Windows Imaging Component. Each call makes its own factory and chain of
+// objects and lets all of them go before it returns; nothing is shared between calls or threads.
+#include "platform/image_decoder_win.h"
+
+#include <wrl/client.h>
+
+#include "photos/image_decoder.h"
+
+using Microsoft::WRL::ComPtr;
+
+namespace {
+
+// Frame 0 of a file with the objects that reach it. Members go in reverse order: frame, decoder,
+// then the factory, and with it the file.
+struct OpenFrame {
+    ComPtr<IWICImagingFactory> factory;
+    ComPtr<IWICBitmapDecoder> decoder;
+    ComPtr<IWICBitmapFrameDecode> frame;
+    UINT width = 0;
+    UINT height = 0;
+    uint32_t transform = 0;
+
+    // The decoder is chosen by the file's content, whatever its name says.
+    bool Open(const std::wstring& path) {
+        if (FAILED(CoCreateInstance(CLSID_WICImagingFactory1, nullptr, CLSCTX_INPROC_SERVER,
+                                    IID_IWICImagingFactory, &factory)) ||
+            FAILED(factory->CreateDecoderFromFilename(path.c_str(), nullptr, GENERIC_READ,
+                                                      WICDecodeMetadataCacheOnDemand, &decoder)) ||
+            FAILED(decoder->GetFrame(0, &frame)) || FAILED(frame->GetSize(&width, &height)) ||
+            width == 0 || height == 0) {
+            return false;
+        }
+        transform = ReadOrientation(frame.Get());
+        return true;
+    }
+};
+
+// The chain that pulls pixels through: scaler in the frame's own axes, then the flip-rotator,
+// then the converter to premultiplied BGRA. Null on any failure.
+ComPtr<IWICBitmapSource> BuildChain(const OpenFrame& opened, const DecodeGeometry& geometry) {
+    ComPtr<IWICBitmapScaler> scaler;
+    if (FAILED(opened.factory->CreateBitmapScaler(&scaler)) ||
+        FAILED(scaler->Initialize(opened.frame.Get(), geometry.scaler.width,
+                                  geometry.scaler.height, WICBitmapInterpolationModeFant))) {
+        return nullptr;
+    }
+    ComPtr<IWICBitmapSource> upright = scaler;
+    if (opened.transform != 0) {
+        ComPtr<IWICBitmapFlipRotator> rotator;
+        if (FAILED(opened.factory->CreateBitmapFlipRotator(&rotator)) ||
+            FAILED(rotator->Initialize(scaler.Get(), static_cast<WICBitmapTransformOptions>(
+                                                         opened.transform)))) {
+            return nullptr;
+        }
+        upright = rotator;
+    }
+    ComPtr<IWICFormatConverter> converter;
+    if (FAILED(opened.factory->CreateFormatConverter(&converter)) ||
+        FAILED(converter->Initialize(upright.Get(), GUID_WICPixelFormat32bppPBGRA,
+                                     WICBitmapDitherTypeNone, nullptr, 0.0,
+                                     WICBitmapPaletteTypeCustom))) {
+        return nullptr;
+    }
+    return converter;
+}
+
+} // namespace
+
+uint32_t ReadOrientation(IWICBitmapFrameDecode* frame) {
+    uint32_t tag = 1;
+    ComPtr<IWICMetadataQueryReader> reader;
+    if (SUCCEEDED(frame->GetMetadataQueryReader(&reader))) {
+        PROPVARIANT value;
+        PropVariantInit(&value);
+        if (SUCCEEDED(reader->GetMetadataByName(L"/app1/ifd/{ushort=274}", &value)) &&
+            value.vt == VT_UI2) {
+            tag = value.uiVal;
+        }
+        PropVariantClear(&value);
+    }
+    return OrientationTransform(tag);
+}
+
+bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool cover,
+                  void* pixels, uint32_t stride) {
+    if (width < 1 || height < 1) return false;
+    OpenFrame opened;
+    if (!opened.Open(path)) return false;
+    const auto geometry =
+        PlanDecode(opened.width, opened.height, opened.transform, width, height, cover);
+    if (!geometry) return false;
+    const ComPtr<IWICBitmapSource> chain = BuildChain(opened, *geometry);
+    if (!chain) return false;
+
+    const WICRect source{static_cast<INT>(geometry->sourceX), static_cast<INT>(geometry->sourceY),
+                         static_cast<INT>(geometry->copied.width),
+                         static_cast<INT>(geometry->copied.height)};
+    const UINT size = (geometry->copied.height - 1) * stride + geometry->copied.width * 4;
+    BYTE* first = static_cast<BYTE*>(pixels) + static_cast<size_t>(geometry->destinationY) * stride +
+                  static_cast<size_t>(geometry->destinationX) * 4;
+    return SUCCEEDED(chain->CopyPixels(&source, stride, size, first));
+}
+
+bool ReadOrientedSize(const std::wstring& path, ImageSize& size) {
+    OpenFrame opened;
+    if (!opened.Open(path)) return false;
+    size = OrientedSize(opened.width, opened.height, opened.transform);
+    return true;
+}
+
+bool LoadDib(const std::wstring& path, int32_t width, int32_t height, bool cover,
+             HBITMAP& bitmap) {
+    if (width < 1 || height < 1) return false;
+    BITMAPINFO info{};
+    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
+    info.bmiHeader.biWidth = width;
+    info.bmiHeader.biHeight = -height; // top-down
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    info.bmiHeader.biCompression = BI_RGB;
+    void* bits = nullptr;
+    HBITMAP made = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    if (!made) return false;
+    const uint32_t stride = static_cast<uint32_t>(width) * 4;
+    ZeroMemory(bits, static_cast<size_t>(height) * stride);
+    if (!DecodeScaled(path, width, height, cover, bits, stride)) {
+        DeleteObject(made);
+        return false;
+    }
+    GdiFlush();
+    if (bitmap) DeleteObject(bitmap);
+    bitmap = made;
+    return true;
+}

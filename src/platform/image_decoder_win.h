@@ -1,0 +1,19 @@
+#pragma once
+
+#include <windows.h>
+
+#include <wincodec.h>
+
+#include <cstdint>
+#include <string>
+
+// The imaging component's side of decoding (the front ends are in photos/image_decoder.h).
+
+// The flip-rotator's transform for the orientation tag of `frame`; 0 when the frame has none,
+// the query fails or the value isn't an unsigned 16-bit number.
+uint32_t ReadOrientation(IWICBitmapFrameDecode* frame);
+
+// The crossfade's decoding: on success `bitmap` is a new top-down 32-bit DIB section of exactly
+// `width` x `height` (zero bytes where the photo doesn't reach) and the bitmap it held before is
+// deleted. On failure `bitmap` is unchanged.
+bool LoadDib(const std::wstring& path, int32_t width, int32_t height, bool cover, HBITMAP& bitmap);

@@ -1,0 +1,95 @@
+// The arithmetic of decoding, and the two front ends of the effects on the host's fake files.
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "photos/fake_image_files.h"
+#include "photos/image_decoder.h"
+
+namespace {
+
+TEST(ImageDecoder, OrientationTagsMapToTheFlipRotatorsTransforms) {
+    // Tag values 0 to 9: only 2 to 8 transform, and 5 to 8 swap the axes.
+    const uint32_t expected[] = {0, 0, 8, 2, 16, 9, 1, 11, 3, 0};
+    for (uint32_t tag = 0; tag < 10; ++tag) {
+        EXPECT_EQ(OrientationTransform(tag), expected[tag]) << tag;
+        EXPECT_EQ(OrientedSize(40, 30, expected[tag]).width, tag >= 5 && tag <= 8 ? 30u : 40u);
+    }
+}
+
+TEST(ImageDecoder, PlansScaleCropAndPlacement) {
+    struct Case {
+        uint32_t frameWidth, frameHeight, transform;
+        int32_t width, height;
+        bool cover;
+        // scaled w h, scaler w h, source x y, copied w h, destination x y
+        std::array<uint32_t, 10> plan;
+    };
+    const Case cases[] = {
+        {4000, 3000, 0, 1920, 1080, false, {1440, 1080, 1440, 1080, 0, 0, 1440, 1080, 240, 0}},
+        {4000, 3000, 0, 1920, 1080, true, {1920, 1440, 1920, 1440, 0, 180, 1920, 1080, 0, 0}},
+        // Orientation 6: the scaler works in the frame's axes, before the rotation.
+        {4000, 3000, 1, 1920, 1080, false, {810, 1080, 1080, 810, 0, 0, 810, 1080, 555, 0}},
+        {640, 480, 0, 1920, 1080, false, {1440, 1080, 1440, 1080, 0, 0, 1440, 1080, 240, 0}},
+        {1000, 10, 0, 1920, 1080, false, {1920, 19, 1920, 19, 0, 0, 1920, 19, 0, 530}},
+        // A half pixel rounds up: 2000 / 3 is 666.67.
+        {3000, 2000, 0, 1000, 1000, false, {1000, 667, 1000, 667, 0, 0, 1000, 667, 0, 166}},
+        // The second pass of an Exact 5000 x 3 photo into 1536 x 864.
+        {5000, 3, 0, 1536, 1, true, {1667, 1, 1667, 1, 65, 0, 1536, 1, 0, 0}},
+        // A very thin photo still gets a side of 1.
+        {100000, 1, 0, 1920, 1080, false, {1920, 1, 1920, 1, 0, 0, 1920, 1, 0, 539}},
+    };
+    for (const Case& c : cases) {
+        const auto g = PlanDecode(c.frameWidth, c.frameHeight, c.transform, c.width, c.height,
+                                  c.cover);
+        ASSERT_TRUE(g) << c.frameWidth << "x" << c.frameHeight;
+        const std::array<uint32_t, 10> plan{
+            g->scaled.width, g->scaled.height, g->scaler.width,  g->scaler.height,
+            g->sourceX,      g->sourceY,       g->copied.width,  g->copied.height,
+            g->destinationX, g->destinationY};
+        EXPECT_EQ(plan, c.plan) << c.frameWidth << "x" << c.frameHeight << " cover " << c.cover;
+    }
+    EXPECT_FALSE(PlanDecode(4000, 3000, 0, 0, 1080, false));
+    EXPECT_FALSE(PlanDecode(4000, 3000, 0, 1920, -1, true));
+    EXPECT_FALSE(PlanDecode(0, 3000, 0, 1920, 1080, false));
+}
+
+class LoadPhotoTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        FakeFiles() = {};
+        FakeFiles().files[L"C:\\wide.jpg"] = {4000, 3000, 0, 0xFF112233};
+        FakeFiles().files[L"C:\\strip.jpg"] = {5000, 3, 0, 0xFF445566};
+        FakeFiles().files[L"C:\\bad.jpg"] = {4000, 3000, 0, 0xFF778899, true};
+    }
+};
+
+TEST_F(LoadPhotoTest, SizedKeepsOpaqueBlackBesideThePhotoAndExactOpensTwice) {
+    PhotoSource::Photo photo;
+    ASSERT_TRUE(LoadPhotoSized(L"C:\\wide.jpg", 1920, 1080, false, photo));
+    ASSERT_EQ(photo.pixels.size(), 1920u * 1080u);
+    EXPECT_EQ(photo.width, 1920);
+    for (const int x : {0, 239, 1680, 1919}) EXPECT_EQ(photo.pixels[x], 0xFF000000u) << x;
+    for (const int x : {240, 1679}) EXPECT_EQ(photo.pixels[1079 * 1920 + x], 0xFF112233u) << x;
+
+    FakeFiles().opened.clear();
+    ASSERT_TRUE(LoadPhotoExact(L"C:\\strip.jpg", 1536, 864, photo));
+    EXPECT_EQ(photo.width, 1536);
+    EXPECT_EQ(photo.height, 1);
+    EXPECT_EQ(photo.pixels, std::vector<uint32_t>(1536, 0xFF445566));
+    EXPECT_EQ(FakeFiles().opened.size(), 2u);
+}
+
+TEST_F(LoadPhotoTest, AFailureLeavesThePhotoAsItWasAndASideBelowOneOpensNothing) {
+    PhotoSource::Photo photo{2, 1, {7, 8}, L"kept"};
+    EXPECT_FALSE(LoadPhotoSized(L"C:\\bad.jpg", 1920, 1080, true, photo));
+    EXPECT_FALSE(LoadPhotoExact(L"C:\\missing.jpg", 1920, 1080, photo));
+    EXPECT_FALSE(LoadPhotoSized(L"C:\\wide.jpg", 0, 1080, false, photo));
+    EXPECT_FALSE(LoadPhotoExact(L"C:\\wide.jpg", 1536, 0, photo));
+    EXPECT_EQ(FakeFiles().opened.size(), 2u);
+    EXPECT_EQ(photo.width, 2);
+    EXPECT_EQ(photo.pixels, (std::vector<uint32_t>{7, 8}));
+    EXPECT_EQ(photo.title, L"kept");
+}
+
+} // namespace

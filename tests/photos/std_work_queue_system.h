@@ -1,0 +1,41 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "photos/work_queue.h"
+
+// The work queue's system services on the host: standard threads, an event made of a mutex and a
+// condition variable, and a notify call that the test watches. It is also the default system of
+// the host build, so sessions in host tests start real threads.
+class StdWorkQueueSystem final : public WorkQueue::System {
+public:
+    ~StdWorkQueueSystem() override;
+
+    std::unique_ptr<WorkQueue::Wake> CreateWake() override;
+    std::unique_ptr<WorkQueue::Thread> StartThread(std::function<void()> main) override;
+    void Notify(WindowHandle window, uint32_t message) override;
+
+    // Waits up to 5 s until `count` notifications have arrived in all; false if they didn't.
+    bool WaitForNotifies(size_t count);
+    // The notifications so far, as (window, message).
+    std::vector<std::pair<WindowHandle, uint32_t>> Notifies();
+
+    // Knobs and records of the queue's waits for its thread.
+    bool failThreads = false;         // StartThread gives null
+    bool overrun = false;             // a wait gives up at once, as after the bound
+    std::function<void()> beforeWait; // runs as a wait begins: after the stop flag was set
+    std::vector<uint32_t> waits;      // the bound of each wait, in milliseconds
+
+private:
+    struct Run;
+    std::mutex lock;
+    std::condition_variable changed;
+    std::vector<std::pair<WindowHandle, uint32_t>> notifies;
+    std::vector<std::shared_ptr<Run>> runs; // every thread started, so that none outlives this
+};

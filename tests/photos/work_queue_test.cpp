@@ -1,0 +1,126 @@
+// The work queue's logic on real standard threads, with the notify call watched by the test.
+#include <gtest/gtest.h>
+
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "photos/std_work_queue_system.h"
+#include "photos/work_queue.h"
+
+namespace {
+
+WindowHandle const kWindow = reinterpret_cast<WindowHandle>(0x10);
+constexpr uint32_t kMessage = 0x8001;
+
+TEST(WorkQueue, JobsRunInOrderAndOneDrainRunsEveryCompletion) {
+    StdWorkQueueSystem system;
+    WorkQueue queue(system);
+    queue.Start(kWindow, kMessage);
+    std::promise<void> release;
+    std::shared_future<void> released = release.get_future().share();
+    std::vector<std::string> ran; // jobs, then completions: ordered by the queue's lock
+    std::vector<std::thread::id> completionThreads;
+    for (int i = 0; i < 3; ++i) {
+        queue.Post([&, i] {
+            if (i == 0) released.wait(); // the others are posted while this one runs
+            ran.push_back("job " + std::to_string(i));
+            queue.PostResult([&, i] {
+                ran.push_back("done " + std::to_string(i));
+                completionThreads.push_back(std::this_thread::get_id());
+            });
+        });
+    }
+    release.set_value();
+    ASSERT_TRUE(system.WaitForNotifies(3));
+
+    queue.Drain();
+    queue.Drain();
+    queue.Drain();
+    EXPECT_EQ(ran, (std::vector<std::string>{"job 0", "job 1", "job 2", "done 0", "done 1",
+                                             "done 2"}));
+    EXPECT_EQ(completionThreads, std::vector<std::thread::id>(3, std::this_thread::get_id()));
+    EXPECT_EQ(system.Notifies(),
+              (std::vector<std::pair<WindowHandle, uint32_t>>(3, {kWindow, kMessage})));
+}
+
+TEST(WorkQueue, StopLetsTheRunningJobEndAndDropsEverythingElseUnrun) {
+    StdWorkQueueSystem system;
+    auto queue = std::make_unique<WorkQueue>(system);
+    queue->Start(kWindow, kMessage);
+    std::promise<void> started;
+    std::promise<void> release;
+    auto token = std::make_shared<int>(); // held by every item; alive while any item is
+    bool firstEnded = false;
+    int unrunCalls = 0;
+    queue->Post([&, token] {
+        started.set_value();
+        release.get_future().wait();
+        firstEnded = true;
+        queue->PostResult([&, token] { ++unrunCalls; });
+    });
+    started.get_future().wait();
+    queue->Post([&, token] { ++unrunCalls; });
+    queue->Post([&, token] { ++unrunCalls; });
+    // The running job may end only once Stop has set the flag and begins its wait.
+    system.beforeWait = [&] { release.set_value(); };
+
+    queue->Stop();
+    EXPECT_TRUE(firstEnded);
+    EXPECT_EQ(token.use_count(), 1);
+    queue->Drain();
+    EXPECT_EQ(unrunCalls, 0);
+    EXPECT_EQ(system.waits, std::vector<uint32_t>{5000});
+    EXPECT_EQ(queue->thread, nullptr);
+}
+
+TEST(WorkQueue, WithoutAThreadJobsWaitForTheDestructorAndNoWindowDropsCompletions) {
+    for (const bool startFails : {false, true}) {
+        StdWorkQueueSystem system;
+        system.failThreads = startFails;
+        auto token = std::make_shared<int>();
+        bool ran = false;
+        {
+            WorkQueue queue(system);
+            queue.PostResult([&ran, token] { ran = true; }); // no window yet: dropped at once
+            EXPECT_EQ(token.use_count(), 1);
+            if (startFails) queue.Start(kWindow, kMessage);
+            queue.Post([&ran, token] { ran = true; });
+            queue.Stop();
+            queue.Drain();
+            EXPECT_EQ(token.use_count(), 2) << startFails;
+        }
+        EXPECT_EQ(token.use_count(), 1) << startFails;
+        EXPECT_FALSE(ran);
+        EXPECT_TRUE(system.waits.empty());
+        EXPECT_TRUE(system.Notifies().empty());
+    }
+}
+
+// A job that outlasts Stop's bound still finds the lock and the queues after the queue is gone
+// (AddressSanitizer watches), and its completion is never run.
+TEST(WorkQueue, AThreadThatOutlivesItsQueuePostsSafely) {
+    StdWorkQueueSystem system;
+    system.overrun = true;
+    std::promise<void> started;
+    std::promise<void> release;
+    bool ran = false;
+    {
+        WorkQueue queue(system);
+        queue.Start(kWindow, kMessage);
+        WorkQueue::Shared* results = queue.shared.get();
+        queue.Post([&, results] {
+            started.set_value();
+            release.get_future().wait();
+            results->PostResult([&ran] { ran = true; });
+        });
+        started.get_future().wait();
+    }
+    release.set_value();
+    EXPECT_TRUE(system.WaitForNotifies(1));
+    EXPECT_FALSE(ran);
+}
+
+} // namespace
