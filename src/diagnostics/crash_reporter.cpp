@@ -1,21 +1,22 @@
+// The reporter's decisions that need no platform: the words of an access violation, and the
+// fall back from a short walk to the crashing thread's own backtrace.
 #include "diagnostics/crash_reporter.h"
 
-#include <atomic>
+#include "diagnostics/crash_report.h"
 
-#include "library/data_paths.h"
-
-namespace {
-std::atomic<const char*> stageWord{"start"};
-std::atomic<const char*> appWordSeen{""};
-} // namespace
-
-void CrashReporter::Start(const char* appWord) {
-    DataPaths::Get();
-    appWordSeen.store(appWord);
+void FormatAccessDetail(char (&detail)[kDetailSize], uint64_t operation, uint64_t address) {
+    TextCursor cursor = CursorOver(detail, kDetailSize);
+    AppendText(cursor, operation == 0 ? "reading 0x" : operation == 1 ? "writing 0x" : "executing 0x");
+    AppendHex(cursor, address, 16);
 }
 
-void CrashReporter::SetStage(const char* word) { stageWord.store(word); }
-
-const char* CrashReporter::Stage() { return stageWord.load(); }
-
-const char* CrashReporter::App() { return appWordSeen.load(); }
+int FallBackToBacktrace(const uint64_t* backtrace, int backtraceCount, uint64_t pc,
+                        uint64_t* frames, int frameCount) {
+    int start = 0;
+    while (start < backtraceCount && backtrace[start] != pc) ++start;
+    if (start == backtraceCount) return frameCount;
+    int copied = 0;
+    for (; start + copied < backtraceCount && copied < kMaxFrames; ++copied)
+        frames[copied] = backtrace[start + copied];
+    return copied > frameCount ? copied : frameCount;
+}

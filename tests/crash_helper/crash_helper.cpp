@@ -1,0 +1,132 @@
+// lumivane_crash_helper.exe <data folder> <how>: arms the crash reporter as the saver does, with
+// the given data folder, names the stage "preview", and crashes:
+//   write-0x10      an access violation writing to address 0x10 on the first thread
+//   stack-overflow  endless recursion on the first thread
+//   abort, terminate, purecall   through the runtime's hooks (exit code 3)
+//   msvc-throw      an exception with the Microsoft runtime's code and records of a thrown type
+//   msvc-throw-unreadable   the same with records that can't be read
+//   worker          a write to 0x10 on a second thread
+//   worker-throw    an uncaught C++ exception on a second thread, which ends in terminate
+//   two-threads     two threads writing to 0x10 at the same moment
+// Exit code 2 means the argument was not understood; the helper never ends normally otherwise.
+#include <windows.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <string>
+
+#include "diagnostics/crash_reporter.h"
+#include "platform/crash_reporter_win.h"
+
+// A pure virtual call: the base's constructor calls through the object while its vtable is still
+// the base's. The classes are outside the anonymous namespace and noipa keeps the call opaque, so
+// that the compiler can't see the dynamic type and resolve the call itself.
+struct PureBase;
+__attribute__((noipa)) void CallPure(PureBase* object);
+struct PureBase {
+    PureBase() { CallPure(this); }
+    virtual ~PureBase() = default;
+    virtual void Pure() = 0;
+};
+struct PureDerived : PureBase {
+    void Pure() override {}
+};
+__attribute__((noipa)) void CallPure(PureBase* object) { object->Pure(); }
+
+__attribute__((noipa)) void MakeDerived() { PureDerived derived; }
+
+namespace {
+
+__attribute__((noinline)) void WriteTo0x10() {
+    *reinterpret_cast<volatile int*>(static_cast<uintptr_t>(0x10)) = 1;
+}
+
+__attribute__((noinline)) int Recurse(int depth) {
+    volatile char page[512];
+    page[0] = static_cast<char>(depth);
+    return Recurse(depth + 1) + page[0];
+}
+
+// The Microsoft runtime's records of a thrown type, with offsets from this module's base.
+struct TypeDescriptor {
+    const void* vtable;
+    void* spare;
+    char name[24];
+};
+struct CatchableType {
+    uint32_t properties;
+    int32_t type;
+    int32_t rest[5];
+};
+struct CatchableTypeArray {
+    int32_t count;
+    int32_t types[1];
+};
+struct ThrowInfo {
+    uint32_t attributes;
+    int32_t unwind, forwardCompat, catchableTypes;
+};
+TypeDescriptor thrownType = {nullptr, nullptr, ".?AVHelperError@@"};
+CatchableType catchable;
+CatchableTypeArray catchables;
+ThrowInfo throwInfo;
+
+// With `readable` false the records point at address 0x10, and reading them faults.
+__attribute__((noinline)) void RaiseMsvcThrow(bool readable) {
+    const auto base = reinterpret_cast<uintptr_t>(GetModuleHandleW(nullptr));
+    auto offset = [base](const void* p) {
+        return static_cast<int32_t>(reinterpret_cast<uintptr_t>(p) - base);
+    };
+    catchable.type = offset(&thrownType);
+    catchables = {1, {offset(&catchable)}};
+    throwInfo.catchableTypes = offset(&catchables);
+    const ULONG_PTR info = readable ? reinterpret_cast<ULONG_PTR>(&throwInfo) : 0x10;
+    const ULONG_PTR parameters[4] = {0x19930520, 0, info, base};
+    RaiseException(0xE06D7363, EXCEPTION_NONCONTINUABLE, 4, parameters);
+}
+
+__attribute__((noinline)) void Throw() { throw std::exception(); }
+
+HANDLE startTogether;
+
+DWORD WINAPI CrashingThread(void* crash) {
+    if (startTogether) WaitForSingleObject(startTogether, INFINITE);
+    reinterpret_cast<void (*)()>(crash)();
+    return 0;
+}
+
+// Threads of the system's own making, without the runtime's frames around them.
+void CrashOnThreads(int count, void (*crash)()) {
+    startTogether = count > 1 ? CreateEventW(nullptr, TRUE, FALSE, nullptr) : nullptr;
+    for (int i = 0; i < count; ++i)
+        CreateThread(nullptr, 0, CrashingThread, reinterpret_cast<void*>(crash), 0, nullptr);
+    if (startTogether) {
+        Sleep(200);
+        SetEvent(startTogether);
+    }
+    Sleep(INFINITE);
+}
+
+__attribute__((noinline)) void Crash(const std::wstring& how) {
+    if (how == L"write-0x10") WriteTo0x10();
+    if (how == L"stack-overflow") Recurse(0);
+    if (how == L"abort") std::abort();
+    if (how == L"terminate") std::terminate();
+    if (how == L"purecall") MakeDerived();
+    if (how == L"msvc-throw") RaiseMsvcThrow(true);
+    if (how == L"msvc-throw-unreadable") RaiseMsvcThrow(false);
+    if (how == L"worker") CrashOnThreads(1, WriteTo0x10);
+    if (how == L"worker-throw") CrashOnThreads(1, Throw);
+    if (how == L"two-threads") CrashOnThreads(2, WriteTo0x10);
+}
+
+} // namespace
+
+int wmain(int argc, wchar_t** argv) {
+    if (argc != 3) return 2;
+    ArmCrashReporter("saver-win", argv[1]);
+    CrashReporter::SetStage("preview");
+    Crash(argv[2]);
+    return 2;
+}
