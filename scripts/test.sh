@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Runs every test of Lumivane on a Debian machine, installing what is missing first:
 #   tier 1  host unit tests (g++, AddressSanitizer + UBSan) through ctest, in build/host
+#   fuzzing the JSON reader under libFuzzer for LUMIVANE_FUZZ_SECONDS (60), in build/fuzz
 #   tier 2  Windows tests of the platform layer under Wine, in build/win
 #   tier 3  end-to-end scenarios: the real Lumivane.scr under Wine on a virtual two-monitor display
 # Exits non-zero when any tier fails. Works unattended (CI=true, no standard input, as root).
@@ -62,6 +63,32 @@ else
   record "1 host unit tests (build)" FAILED 0 0 $((SECONDS - t))
 fi
 rm -f "$host_log"
+
+# ---- fuzzing -----------------------------------------------------------------------------
+# The JSON reader of the companion's settings file under libFuzzer, for a bounded time. New inputs
+# go to build/fuzz/corpus, which later runs start from; a finding fails the step and leaves its
+# input in build/fuzz.
+FUZZ_SECONDS="${LUMIVANE_FUZZ_SECONDS:-60}"
+say "fuzzing: JSON reader (${FUZZ_SECONDS} s)"
+t=$SECONDS
+if cmake -S tests/fuzz -B build/fuzz -G Ninja -DCMAKE_CXX_COMPILER=clang++ \
+     -DCMAKE_BUILD_TYPE=RelWithDebInfo && cmake --build build/fuzz -j "$JOBS"; then
+  mkdir -p build/fuzz/corpus
+  fuzz_log="$(mktemp)"
+  build/fuzz/json_reader_fuzz -max_total_time="$FUZZ_SECONDS" -artifact_prefix=build/fuzz/ \
+    -dict=tests/fuzz/json.dict build/fuzz/corpus tests/fuzz/seeds </dev/null >"$fuzz_log" 2>&1
+  status=$?
+  tail -n 3 "$fuzz_log"
+  if [ "$status" -eq 0 ]; then
+    record "  JSON reader fuzzing" ok 1 0 $((SECONDS - t))
+  else
+    grep -aE 'ERROR|SUMMARY|Test unit written' "$fuzz_log" | head -n 20
+    record "  JSON reader fuzzing" FAILED 0 1 $((SECONDS - t))
+  fi
+  rm -f "$fuzz_log"
+else
+  record "  JSON reader fuzzing (build)" FAILED 0 0 $((SECONDS - t))
+fi
 
 # ---- Windows build ------------------------------------------------------------------------
 say "Windows cross build"
