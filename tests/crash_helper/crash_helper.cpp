@@ -1,13 +1,6 @@
 // lumivane_crash_helper.exe <data folder> <how>: arms the crash reporter as the saver does, with
-// the given data folder, names the stage "preview", and crashes:
-//   write-0x10      an access violation writing to address 0x10 on the first thread
-//   stack-overflow  endless recursion on the first thread
-//   abort, terminate, purecall   through the runtime's hooks (exit code 3)
-//   msvc-throw      an exception with the Microsoft runtime's code and records of a thrown type
-//   msvc-throw-unreadable   the same with records that can't be read
-//   worker          a write to 0x10 on a second thread
-//   worker-throw    an uncaught C++ exception on a second thread, which ends in terminate
-//   two-threads     two threads writing to 0x10 at the same moment
+// the given data folder, names the stage "preview", and crashes as <how> says (see Crash below):
+// on the first thread, on a worker (Worker...), or on two workers at once (TwoThreads).
 // Exit code 2 means the argument was not understood; the helper never ends normally otherwise.
 #include <windows.h>
 
@@ -109,16 +102,16 @@ void CrashOnThreads(int count, void (*crash)()) {
 }
 
 __attribute__((noinline)) void Crash(const std::wstring& how) {
-    if (how == L"write-0x10") WriteTo0x10();
-    if (how == L"stack-overflow") Recurse(0);
-    if (how == L"abort") std::abort();
-    if (how == L"terminate") std::terminate();
-    if (how == L"purecall") MakeDerived();
-    if (how == L"msvc-throw") RaiseMsvcThrow(true);
-    if (how == L"msvc-throw-unreadable") RaiseMsvcThrow(false);
-    if (how == L"worker") CrashOnThreads(1, WriteTo0x10);
-    if (how == L"worker-throw") CrashOnThreads(1, Throw);
-    if (how == L"two-threads") CrashOnThreads(2, WriteTo0x10);
+    if (how == L"WriteTo0x10") WriteTo0x10();
+    if (how == L"StackOverflow") Recurse(0);
+    if (how == L"Abort") std::abort();
+    if (how == L"Terminate") std::terminate();
+    if (how == L"PureCall") MakeDerived();
+    if (how == L"MsvcThrow") RaiseMsvcThrow(true);
+    if (how == L"MsvcThrowUnreadable") RaiseMsvcThrow(false);
+    if (how == L"Worker") CrashOnThreads(1, WriteTo0x10);
+    if (how == L"WorkerThrow") CrashOnThreads(1, Throw); // uncaught, so it ends in terminate
+    if (how == L"TwoThreads") CrashOnThreads(2, WriteTo0x10);
 }
 
 } // namespace

@@ -3,121 +3,86 @@
 
 #include <algorithm>
 #include <ostream>
-#include <string>
 #include <vector>
 
-#include "e2e/input.h"
 #include "e2e/saver_test.h"
-#include "e2e/saver_windows.h"
-#include "e2e/wait.h"
+#include "e2e/screen.h"
 
 namespace e2e {
 namespace {
 
-using FullScreenTest = SaverTest;
-
-TEST_F(FullScreenTest, CoversEveryMonitorWithATopMostWindow) {
+TEST_F(SaverTest, FullScreenCoversEveryMonitorWithATopMostWindow) {
     const std::vector<RECT> monitors = MonitorRects();
     ASSERT_EQ(monitors.size(), 2u) << "the harness runs two screens";
     const std::vector<HWND> windows = StartFullScreen();
-    ASSERT_EQ(windows.size(), monitors.size());
-    std::vector<RECT> unmatched = monitors;
     for (HWND hwnd : windows) {
-        const WindowInfo info = Inspect(hwnd);
-        EXPECT_EQ(info.title, L"Lumivane");
-        EXPECT_TRUE(info.visible);
-        EXPECT_EQ(info.style & (WS_POPUP | WS_VISIBLE | WS_CHILD | WS_CAPTION),
-                  static_cast<DWORD>(WS_POPUP | WS_VISIBLE));
-        EXPECT_EQ(info.exStyle & (WS_EX_TOPMOST | WS_EX_TOOLWINDOW),
-                  static_cast<DWORD>(WS_EX_TOPMOST | WS_EX_TOOLWINDOW));
-        auto same = std::find_if(unmatched.begin(), unmatched.end(),
-                                 [&](const RECT& monitor) { return SameRect(monitor, info.rect); });
-        if (same == unmatched.end())
-            ADD_FAILURE() << "window at " << Describe(info.rect) << " covers no monitor";
-        else
-            unmatched.erase(same);
+        EXPECT_EQ(GetWindowLongPtrW(hwnd, GWL_STYLE) & (WS_POPUP | WS_VISIBLE | WS_CHILD | WS_CAPTION),
+                  WS_POPUP | WS_VISIBLE);
+        EXPECT_EQ(GetWindowLongPtrW(hwnd, GWL_EXSTYLE) & (WS_EX_TOPMOST | WS_EX_TOOLWINDOW),
+                  WS_EX_TOPMOST | WS_EX_TOOLWINDOW);
     }
-    Saver().Terminate();
+    for (const RECT& monitor : monitors) {
+        const auto covers = [&](HWND hwnd) {
+            RECT rect{};
+            return GetWindowRect(hwnd, &rect) && EqualRect(&rect, &monitor);
+        };
+        EXPECT_EQ(std::count_if(windows.begin(), windows.end(), covers), 1)
+            << "windows on the monitor at " << monitor.left << "," << monitor.top;
+    }
 }
 
-// Input that must end the run: the windows leave the screen at once, the process ends with 0.
-struct Dismissal {
+// Input in the order of the fields. Moves are measured from the position recorded at the run's
+// first move, which doesn't follow the cursor: more than 8 pixels along either axis dismisses.
+struct Input {
     const char* name;
-    void (*act)(const std::vector<RECT>& monitors);
+    WORD key;                 // pressed when not 0
+    DWORD buttonDown;         // clicked when not 0: at kRestingCursor, or mid last monitor
+    bool onLastMonitor;
+    std::vector<POINT> moves; // visited in order, relative to kRestingCursor
+    bool dismisses;
 };
 
-void PrintTo(const Dismissal& dismissal, std::ostream* out) { *out << dismissal.name; }
+const Input kInputs[] = {
+    {"SpaceKey", VK_SPACE, 0, false, {}, true},
+    {"AltKeyAlone", VK_MENU, 0, false, {}, true},
+    {"LeftClick", 0, MOUSEEVENTF_LEFTDOWN, false, {}, true},
+    {"RightClick", 0, MOUSEEVENTF_RIGHTDOWN, false, {}, true},
+    {"MiddleClickOnLastMonitor", 0, MOUSEEVENTF_MIDDLEDOWN, true, {}, true},
+    {"MovesOfEight", 0, 0, false, {{8, 0}, {8, 8}, {0, -8}, {-8, 8}}, false},
+    {"NineAcrossAfterEights", 0, 0, false, {{8, 0}, {8, 8}, {9, 0}}, true},
+    {"NineUp", 0, 0, false, {{0, -9}}, true},
+    {"NineLeft", 0, 0, false, {{-9, 0}}, true},
+};
 
-class DismissalTest : public SaverTest, public ::testing::WithParamInterface<Dismissal> {};
+void PrintTo(const Input& input, std::ostream* out) { *out << input.name; }
 
-TEST_P(DismissalTest, HidesEveryWindowAndEndsWithZero) {
+class InputTest : public SaverTest, public ::testing::WithParamInterface<Input> {};
+
+TEST_P(InputTest, OnlyRealInputHidesEveryWindowAtOnceAndEndsWithZero) {
     const std::vector<HWND> windows = StartFullScreen();
     ASSERT_FALSE(windows.empty());
-    GetParam().act(MonitorRects());
+    const Input& input = GetParam();
+    if (input.key) PressKey(input.key);
+    const RECT last = MonitorRects().back();
+    if (input.buttonDown && input.onLastMonitor)
+        Click(input.buttonDown, (last.left + last.right) / 2, (last.top + last.bottom) / 2);
+    else if (input.buttonDown)
+        Click(input.buttonDown, kRestingCursor.x, kRestingCursor.y);
+    for (const POINT& offset : input.moves) {
+        ASSERT_TRUE(MoveMouseTo(kRestingCursor.x + offset.x, kRestingCursor.y + offset.y));
+        WaitUntil([&] { return !Saver().Running(); }, 150); // let the saver take each move
+    }
+    if (!input.dismisses) {
+        EXPECT_FALSE(Saver().WaitForExit(kSettleMs)) << "ended by a small move";
+        for (HWND hwnd : windows) EXPECT_TRUE(IsWindowVisible(hwnd));
+        return;
+    }
     EXPECT_TRUE(WaitUntilHidden(windows, kHideMs)) << "windows still shown after the input";
     ExpectExitZero();
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Input, DismissalTest,
-    ::testing::Values(
-        Dismissal{"SpaceKey", [](const std::vector<RECT>&) { PressKey(VK_SPACE); }},
-        Dismissal{"AltKeyAlone", [](const std::vector<RECT>&) { PressKey(VK_MENU); }},
-        Dismissal{"LeftClick",
-                  [](const std::vector<RECT>&) {
-                      Click(MouseButton::Left, kRestingCursor.x, kRestingCursor.y);
-                  }},
-        Dismissal{"RightClick",
-                  [](const std::vector<RECT>&) {
-                      Click(MouseButton::Right, kRestingCursor.x, kRestingCursor.y);
-                  }},
-        Dismissal{"MiddleClickOnLastMonitor",
-                  [](const std::vector<RECT>& monitors) {
-                      const RECT& last = monitors.back();
-                      Click(MouseButton::Middle, (last.left + last.right) / 2,
-                            (last.top + last.bottom) / 2);
-                  }}),
-    [](const ::testing::TestParamInfo<Dismissal>& info) { return std::string(info.param.name); });
-
-// Mouse moves measured from the position recorded at the run's first move, which doesn't
-// follow the cursor: more than 8 pixels along either axis dismisses.
-struct MouseWalk {
-    const char* name;
-    std::vector<POINT> offsets; // visited in order, relative to the recorded position
-    bool dismisses;
-};
-
-void PrintTo(const MouseWalk& walk, std::ostream* out) { *out << walk.name; }
-
-class MouseWalkTest : public SaverTest, public ::testing::WithParamInterface<MouseWalk> {};
-
-TEST_P(MouseWalkTest, DismissesOnlyBeyondEightPixels) {
-    const std::vector<HWND> windows = StartFullScreen();
-    ASSERT_FALSE(windows.empty());
-    for (const POINT& offset : GetParam().offsets) {
-        const int x = kRestingCursor.x + offset.x, y = kRestingCursor.y + offset.y;
-        ASSERT_TRUE(MoveMouseTo(x, y)) << "cursor didn't reach " << x << "," << y;
-        // Let the saver handle each move before the next one.
-        WaitUntil([&] { return !Saver().Running(); }, 150);
-    }
-    if (GetParam().dismisses) {
-        EXPECT_TRUE(WaitUntilHidden(windows, kHideMs));
-        ExpectExitZero();
-    } else {
-        EXPECT_FALSE(Saver().WaitForExit(kSettleMs).has_value()) << "ended by a small move";
-        for (HWND hwnd : windows) EXPECT_TRUE(IsWindowVisible(hwnd));
-        Saver().Terminate();
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Moves, MouseWalkTest,
-    ::testing::Values(MouseWalk{"EightAcrossAndDown", {{8, 0}, {8, 8}, {0, -8}, {-8, 8}}, false},
-                      MouseWalk{"NineAcross", {{8, 0}, {8, 8}, {9, 0}}, true},
-                      MouseWalk{"NineUp", {{0, -9}}, true},
-                      MouseWalk{"NineLeft", {{-9, 0}}, true},
-                      MouseWalk{"DriftAddsUp", {{5, 0}, {10, 0}}, true}),
-    [](const ::testing::TestParamInfo<MouseWalk>& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Input, InputTest, ::testing::ValuesIn(kInputs),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 } // namespace
 } // namespace e2e

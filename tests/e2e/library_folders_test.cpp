@@ -2,10 +2,10 @@
 // from outside: a user's first start makes them, and a later start changes nothing.
 #include <windows.h>
 #include <knownfolders.h>
-#include <shellapi.h>
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -17,45 +17,26 @@
 namespace e2e {
 namespace {
 
-void RemoveTree(const std::wstring& path) {
-    const std::wstring list = path + L'\0';
-    SHFILEOPSTRUCTW operation{};
-    operation.wFunc = FO_DELETE;
-    operation.pFrom = list.c_str();
-    operation.fFlags = FOF_NO_UI;
-    SHFileOperationW(&operation);
-}
+namespace fs = std::filesystem;
 
-// Every folder and file below `folder`, with their sizes.
-void Collect(const std::wstring& folder, std::vector<std::wstring>& items) {
-    WIN32_FIND_DATAW data{};
-    HANDLE search = FindFirstFileW((folder + L"\\*").c_str(), &data);
-    if (search == INVALID_HANDLE_VALUE) return;
-    do {
-        const std::wstring name = data.cFileName;
-        if (name == L"." || name == L"..") continue;
-        items.push_back(folder + L"\\" + name + L" " + std::to_wstring(data.nFileSizeLow));
-        if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) Collect(folder + L"\\" + name, items);
-    } while (FindNextFileW(search, &data));
-    FindClose(search);
-}
-
-bool IsFolder(const std::wstring& path) {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+// Every folder and file below the given folders, with the sizes of the files.
+std::vector<std::wstring> Contents(std::initializer_list<std::wstring> folders) {
+    std::vector<std::wstring> items;
+    for (const std::wstring& folder : folders)
+        for (const auto& entry : fs::recursive_directory_iterator(folder))
+            items.push_back(entry.path().wstring() + L" " +
+                            std::to_wstring(entry.is_directory() ? 0 : entry.file_size()));
+    return items;
 }
 
 TEST_F(SaverTest, FirstStartOfAUserMakesItsFoldersAndTheNextChangesNothing) {
     const std::wstring local = KnownFolder(FOLDERID_LocalAppData);
     const std::wstring documents = KnownFolder(FOLDERID_Documents);
-    ASSERT_FALSE(local.empty());
-    ASSERT_FALSE(documents.empty());
-    const std::wstring dataDir = local + L"\\Lumivane";
-    const std::wstring photoTree = documents + L"\\Lumivane";
+    ASSERT_FALSE(local.empty() || documents.empty());
+    const std::wstring dataDir = local + L"\\Lumivane", photoTree = documents + L"\\Lumivane";
     // A user who never ran the saver: no data folder, no photo tree, no key (cleared by SetUp).
-    RemoveTree(dataDir);
-    RemoveTree(local + L"\\LumivaneW");
-    RemoveTree(photoTree);
+    for (const std::wstring& folder : {dataDir, local + L"\\LumivaneW", photoTree})
+        fs::remove_all(folder);
     // The tray takes the settings request, so no message box waits for a click.
     DriverWindow tray(FakeTrayOptions());
 
@@ -63,22 +44,15 @@ TEST_F(SaverTest, FirstStartOfAUserMakesItsFoldersAndTheNextChangesNothing) {
     ExpectExitZero();
     EXPECT_EQ(saver_registry::ReadString(L"ImportsDir"), documents);
     for (const std::wstring& folder :
-         {dataDir, dataDir + L"\\Slides", dataDir + L"\\Updates",
-          photoTree + L"\\Lumivane Wallpaper", photoTree + L"\\Lumivane ScreenSaver",
-          photoTree + L"\\Wallpaper Cache"})
-        EXPECT_TRUE(IsFolder(folder)) << std::string(folder.begin(), folder.end());
-    EXPECT_EQ(GetFileAttributesW((documents + L"\\.lumivane-write-test").c_str()),
-              INVALID_FILE_ATTRIBUTES);
+         {dataDir + L"\\Slides", dataDir + L"\\Updates", photoTree + L"\\Lumivane Wallpaper",
+          photoTree + L"\\Lumivane ScreenSaver", photoTree + L"\\Wallpaper Cache"})
+        EXPECT_TRUE(fs::is_directory(folder)) << fs::path(folder).string();
+    EXPECT_FALSE(fs::exists(documents + L"\\.lumivane-write-test"));
 
-    std::vector<std::wstring> first;
-    Collect(dataDir, first);
-    Collect(photoTree, first);
+    const std::vector<std::wstring> first = Contents({dataDir, photoTree});
     Start(L"/c");
     ExpectExitZero();
-    std::vector<std::wstring> second;
-    Collect(dataDir, second);
-    Collect(photoTree, second);
-    EXPECT_EQ(second, first);
+    EXPECT_EQ(Contents({dataDir, photoTree}), first);
     EXPECT_EQ(saver_registry::ReadString(L"ImportsDir"), documents);
 }
 

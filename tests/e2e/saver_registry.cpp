@@ -2,49 +2,45 @@
 
 #include <vector>
 
-namespace e2e {
+namespace e2e::saver_registry {
 
 namespace {
 
 constexpr wchar_t kSaverKey[] = L"Software\\LumivaneW";
 
-} // namespace
+bool Write(const wchar_t* name, DWORD type, const void* data, size_t bytes) {
+    return RegSetKeyValueW(HKEY_CURRENT_USER, kSaverKey, name, type, data,
+                           static_cast<DWORD>(bytes)) == ERROR_SUCCESS;
+}
 
-namespace saver_registry {
+bool Read(const wchar_t* name, DWORD type, void* data, DWORD bytes) {
+    return RegGetValueW(HKEY_CURRENT_USER, kSaverKey, name, type, nullptr, data, &bytes) ==
+           ERROR_SUCCESS;
+}
+
+} // namespace
 
 void Clear() { RegDeleteTreeW(HKEY_CURRENT_USER, kSaverKey); }
 
 bool WriteDword(const wchar_t* name, DWORD value) {
-    return RegSetKeyValueW(HKEY_CURRENT_USER, kSaverKey, name, REG_DWORD, &value,
-                           sizeof value) == ERROR_SUCCESS;
+    return Write(name, REG_DWORD, &value, sizeof value);
 }
 
 bool WriteString(const wchar_t* name, const std::wstring& value) {
-    const DWORD bytes = static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t));
-    return RegSetKeyValueW(HKEY_CURRENT_USER, kSaverKey, name, REG_SZ, value.c_str(), bytes) ==
-           ERROR_SUCCESS;
+    return Write(name, REG_SZ, value.c_str(), (value.size() + 1) * sizeof(wchar_t));
 }
 
 std::optional<DWORD> ReadDword(const wchar_t* name) {
-    DWORD value = 0, bytes = sizeof value;
-    if (RegGetValueW(HKEY_CURRENT_USER, kSaverKey, name, RRF_RT_REG_DWORD, nullptr, &value,
-                     &bytes) != ERROR_SUCCESS)
-        return std::nullopt;
+    DWORD value = 0;
+    if (!Read(name, RRF_RT_REG_DWORD, &value, sizeof value)) return std::nullopt;
     return value;
 }
 
 std::optional<std::wstring> ReadString(const wchar_t* name) {
-    DWORD bytes = 0;
-    if (RegGetValueW(HKEY_CURRENT_USER, kSaverKey, name, RRF_RT_REG_SZ, nullptr, nullptr,
-                     &bytes) != ERROR_SUCCESS)
-        return std::nullopt;
-    std::vector<wchar_t> text(bytes / sizeof(wchar_t) + 1);
-    if (RegGetValueW(HKEY_CURRENT_USER, kSaverKey, name, RRF_RT_REG_SZ, nullptr, text.data(),
-                     &bytes) != ERROR_SUCCESS)
+    std::vector<wchar_t> text(32768); // the longest string the tests write, with room to spare
+    if (!Read(name, RRF_RT_REG_SZ, text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t))))
         return std::nullopt;
     return std::wstring(text.data());
 }
 
-} // namespace saver_registry
-
-} // namespace e2e
+} // namespace e2e::saver_registry

@@ -1,41 +1,117 @@
 #include "e2e/saver_test.h"
 
+#include <algorithm>
+
 #include "e2e/saver_registry.h"
-#include "e2e/saver_windows.h"
 
 namespace e2e {
+
+static std::wstring chosenPath; // from --scr
+
+void SetSaverPath(const std::wstring& path) { chosenPath = path; }
+
+std::wstring SaverPath() {
+    if (!chosenPath.empty()) return chosenPath;
+    if (const wchar_t* path = _wgetenv(L"LUMIVANE_SCR"); path && *path) return path;
+    wchar_t driver[MAX_PATH] = {};
+    const std::wstring own(driver, GetModuleFileNameW(nullptr, driver, MAX_PATH));
+    return own.substr(0, own.find_last_of(L'\\') + 1) + L"..\\Lumivane.scr";
+}
+
+SaverProcess::~SaverProcess() {
+    if (Running()) {
+        TerminateProcess(process, 0xDEAD);
+        WaitForSingleObject(process, 5000);
+    }
+    if (process) CloseHandle(process);
+}
+
+bool SaverProcess::Start(const std::wstring& arguments) {
+    std::wstring commandLine = L"\"" + SaverPath() + L"\" " + arguments;
+    STARTUPINFOW startup{sizeof startup};
+    PROCESS_INFORMATION info{};
+    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                        &startup, &info))
+        return false;
+    CloseHandle(info.hThread);
+    process = info.hProcess;
+    id = info.dwProcessId;
+    return true;
+}
+
+bool SaverProcess::Running() const {
+    return process && WaitForSingleObject(process, 0) == WAIT_TIMEOUT;
+}
+
+std::optional<DWORD> SaverProcess::WaitForExit(DWORD timeoutMs) {
+    DWORD code = 0;
+    if (!process || WaitForSingleObject(process, timeoutMs) != WAIT_OBJECT_0 ||
+        !GetExitCodeProcess(process, &code))
+        return std::nullopt;
+    return code;
+}
+
+std::vector<HWND> SaverWindows(DWORD processId, HWND parent) {
+    std::vector<HWND> found;
+    for (HWND hwnd = nullptr; (hwnd = FindWindowExW(parent, hwnd, L"LumivaneSaver", nullptr));) {
+        DWORD owner = 0;
+        GetWindowThreadProcessId(hwnd, &owner);
+        if (parent || owner == processId) found.push_back(hwnd);
+    }
+    return found;
+}
+
+std::vector<HWND> WaitForSaverWindows(DWORD processId, HWND parent, size_t count) {
+    std::vector<HWND> found;
+    // A window is found while CreateWindowExW still runs; it counts once it is shown.
+    WaitUntil(
+        [&] {
+            found = SaverWindows(processId, parent);
+            return found.size() == count && std::all_of(found.begin(), found.end(), IsWindowVisible);
+        },
+        kWindowsMs, 20);
+    return found;
+}
+
+bool WaitUntilHidden(const std::vector<HWND>& windows, DWORD timeoutMs) {
+    const auto hidden = [&] { return std::none_of(windows.begin(), windows.end(), IsWindowVisible); };
+    return WaitUntil(hidden, timeoutMs, 1);
+}
+
+std::vector<RECT> MonitorRects() {
+    std::vector<RECT> rects;
+    const MONITORENUMPROC collect = [](HMONITOR, HDC, RECT* rect, LPARAM list) -> BOOL {
+        reinterpret_cast<std::vector<RECT>*>(list)->push_back(*rect);
+        return TRUE;
+    };
+    EnumDisplayMonitors(nullptr, nullptr, collect, reinterpret_cast<LPARAM>(&rects));
+    return rects;
+}
 
 void SaverTest::SetUp() {
     saver_registry::Clear();
     SetCursorPos(kRestingCursor.x, kRestingCursor.y);
 }
 
-void SaverTest::TearDown() {
-    for (auto& saver : savers) {
-        if (saver->Running()) ADD_FAILURE() << "a saver was still running at the end; ended it";
-        saver->Terminate();
-    }
-    savers.clear();
-}
-
 SaverProcess& SaverTest::Start(const std::wstring& arguments) {
     savers.push_back(std::make_unique<SaverProcess>());
     if (!savers.back()->Start(arguments)) {
         const DWORD error = GetLastError();
-        const std::wstring path = SaverPath();
-        ADD_FAILURE() << "CreateProcessW failed (" << error << ") for "
-                      << std::string(path.begin(), path.end());
+        ADD_FAILURE() << "can't start " << testing::PrintToString(SaverPath()) << ": " << error;
     }
     return *savers.back();
 }
 
 std::vector<HWND> SaverTest::StartFullScreen() {
     SetCursorPos(kRestingCursor.x, kRestingCursor.y);
-    SaverProcess& saver = Start(L"/s");
     const size_t monitors = MonitorRects().size();
-    std::vector<HWND> windows = WaitForTopLevelSaverWindows(saver.Id(), monitors, kWindowsMs);
+    std::vector<HWND> windows = WaitForSaverWindows(Start(L"/s").Id(), nullptr, monitors);
     EXPECT_EQ(windows.size(), monitors) << "one window per monitor";
-    if (!windows.empty()) RecordCursorPosition(windows.front());
+    // Sent, not posted: it returns once the window procedure has run, so no later input can
+    // overtake it. The saver reads GetCursorPos, not lParam.
+    DWORD_PTR result = 0;
+    if (!windows.empty())
+        SendMessageTimeoutW(windows.front(), WM_MOUSEMOVE, 0, 0, SMTO_NORMAL, 5000, &result);
     return windows;
 }
 
@@ -43,14 +119,6 @@ void SaverTest::ExpectExitZero() {
     const auto code = Saver().WaitForExit(kExitMs);
     ASSERT_TRUE(code.has_value()) << "the saver didn't end within " << kExitMs << " ms";
     EXPECT_EQ(*code, 0u);
-}
-
-void RecordCursorPosition(HWND saverWindow) {
-    // Sent rather than posted: SendMessageTimeout returns once the window procedure has run,
-    // so no later input can overtake it. The saver reads GetCursorPos, not lParam.
-    DWORD_PTR result = 0;
-    SendMessageTimeoutW(saverWindow, WM_MOUSEMOVE, 0, MAKELPARAM(1, 1), SMTO_NORMAL, 5000,
-                        &result);
 }
 
 } // namespace e2e

@@ -4,10 +4,9 @@
 #include <windows.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
-
-#include "e2e/saver_process.h"
 
 namespace e2e {
 
@@ -18,37 +17,74 @@ constexpr DWORD kExitMs = 10000;
 constexpr DWORD kSettleMs = 700;
 // After the input that dismisses, the windows must be gone from the screen within this.
 constexpr DWORD kHideMs = 1000;
-
-// Where the cursor rests when a full-screen run starts: inside the first monitor, away from
-// its edges, so that moves of a few pixels in any direction stay on the same screen.
+// Where the cursor rests when a run starts: inside the first monitor, away from its edges.
 constexpr POINT kRestingCursor{400, 300};
 
-// Base of every scenario: starts from the saver's default options, and ends every saver the
-// scenario started, whatever the outcome.
+// Polls `done` until it holds or `timeoutMs` has passed; returns its last answer. The saver
+// runs in another process, so every check of its state is a poll.
+template <typename Predicate>
+bool WaitUntil(Predicate done, DWORD timeoutMs, DWORD pollMs = 5) {
+    const ULONGLONG deadline = GetTickCount64() + timeoutMs;
+    while (!done()) {
+        if (GetTickCount64() >= deadline) return done();
+        Sleep(pollMs);
+    }
+    return true;
+}
+
+// Lumivane.scr: `--scr <path>` of the driver, else LUMIVANE_SCR, else one folder above the driver.
+std::wstring SaverPath();
+void SetSaverPath(const std::wstring& path);
+
+// One started saver; whatever still runs when the object goes away is terminated.
+class SaverProcess {
+public:
+    SaverProcess() = default;
+    SaverProcess(const SaverProcess&) = delete;
+    SaverProcess& operator=(const SaverProcess&) = delete;
+    ~SaverProcess();
+
+    // Starts the saver with `arguments` behind its quoted path; false if that failed.
+    bool Start(const std::wstring& arguments);
+    bool Running() const;
+    // The exit code once the process has ended within `timeoutMs`, nothing otherwise.
+    std::optional<DWORD> WaitForExit(DWORD timeoutMs);
+    DWORD Id() const { return id; }
+
+private:
+    HANDLE process = nullptr;
+    DWORD id = 0;
+};
+
+// Windows of class "LumivaneSaver": the children of `parent`, or without one the top-level
+// windows of process `processId`.
+std::vector<HWND> SaverWindows(DWORD processId, HWND parent = nullptr);
+// Waits until exactly `count` of them exist and are shown; returns what was found last.
+std::vector<HWND> WaitForSaverWindows(DWORD processId, HWND parent, size_t count);
+// True once none of `windows` is shown any more (hidden or destroyed).
+bool WaitUntilHidden(const std::vector<HWND>& windows, DWORD timeoutMs);
+// Monitor rectangles in the order EnumDisplayMonitors gives them.
+std::vector<RECT> MonitorRects();
+
+// Base of every scenario: starts from the saver's default options; the savers it started end
+// with it, whatever the outcome.
 class SaverTest : public ::testing::Test {
 protected:
     void SetUp() override;
-    void TearDown() override;
 
     // Starts Lumivane.scr with `arguments`; the test fails when it can't be started.
     SaverProcess& Start(const std::wstring& arguments);
-    // The running saver of this scenario (the last one started).
+    // The saver started last.
     SaverProcess& Saver() { return *savers.back(); }
-
-    // Starts a full-screen run with the cursor at kRestingCursor and waits for one window per
-    // monitor. The first mouse move of the run is then made on purpose, so that the recorded
+    // Starts `/s` with the cursor at kRestingCursor and waits for one window per monitor. The
+    // run's first mouse move only records the position; it is made here, so that the recorded
     // position is kRestingCursor whether or not the system sent a move of its own.
     std::vector<HWND> StartFullScreen();
-
     // Expects the run to end with exit code 0 within kExitMs.
     void ExpectExitZero();
 
 private:
     std::vector<std::unique_ptr<SaverProcess>> savers;
 };
-
-// The saver's first mouse move of a run only records the cursor position: make it now, and
-// wait until the saver has handled it.
-void RecordCursorPosition(HWND saverWindow);
 
 } // namespace e2e

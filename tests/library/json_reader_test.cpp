@@ -8,39 +8,25 @@
 namespace {
 
 TEST(JsonReader, AcceptsAndRefusesDocuments) {
-    struct Case {
-        std::string text;
-        bool parses;
+    const std::pair<std::string, bool> cases[] = {
+        // What may follow the root, and what may come before it.
+        {"{}", true}, {"{} \t\r\n", true}, {"{} x", false}, {"\xEF\xBB\xBF{}", false},
+        {"[1,2]", true}, {"{\"a\":1,}", false}, {"[1,]", false}, {"{\"a\" 1}", false},
+        {"{\"a\":1 \"b\":2}", false}, {"truex", false}, {"[nulll]", false}, {"-", false},
+        {"{\"a\":[true,false,null,-1.5e2,\"\x01\xFF\"]}", true}, {"\"\\q\"", false},
+        {"\"\\u12\"", false}, {"\"abc", false}, {"[", false}, {"", false},
+        {std::string(65, '[') + std::string(65, ']'), true}, // 64 levels below the root
+        {std::string(66, '[') + std::string(66, ']'), false},
     };
-    const Case cases[] = {
-        {"{}", true},
-        {"{} \t\r\n", true},
-        {"{} x", false},
-        {"\xEF\xBB\xBF{}", false},
-        {"[1,2]", true},
-        {"{\"a\":1,}", false},
-        {"[1,]", false},
-        {"truex", false},
-        {"[nulll]", false},
-        {"{\"a\" 1}", false},
-        {"{\"a\":[true,false,null,-1.5e2,\"\x01\xFF\"]}", true},
-        {"\"\\q\"", false},
-        {"\"\\u12\"", false},
-        {"\"abc", false},
-        {"[", false},
-        {"", false},
-        {"-", false},
-        {"{\"a\":1 \"b\":2}", false},
-    };
-    for (const Case& c : cases) {
+    for (const auto& [text, parses] : cases) {
         JsonValue value;
         value.type = JsonValue::Number;
-        EXPECT_EQ(JsonValue::Parse(c.text, value), c.parses) << c.text;
-        if (!c.parses) EXPECT_EQ(value.type, JsonValue::Null) << c.text;
+        EXPECT_EQ(JsonValue::Parse(text, value), parses) << text;
+        if (!parses) EXPECT_EQ(value.type, JsonValue::Null) << text;
     }
 }
 
-TEST(JsonReader, StringsKeepTheirEscapesRules) {
+TEST(JsonReader, StringsKeepTheirEscapeRules) {
     const std::pair<std::string, std::string> cases[] = {
         {R"("\ud83d\ude00")", "\xF0\x9F\x98\x80"},
         {R"("\ud83dx")", "\xEF\xBF\xBDx"},
@@ -57,20 +43,14 @@ TEST(JsonReader, StringsKeepTheirEscapesRules) {
     }
 }
 
-TEST(JsonReader, NestsSixtyFourLevelsBelowTheRoot) {
-    JsonValue value;
-    EXPECT_TRUE(JsonValue::Parse(std::string(65, '[') + std::string(65, ']'), value));
-    EXPECT_FALSE(JsonValue::Parse(std::string(66, '[') + std::string(66, ']'), value));
-}
-
-TEST(JsonReader, FindTakesTheFirstOfEqualKeys) {
+TEST(JsonReader, FindTakesTheFirstOfEqualKeysAndOnlyInObjects) {
     JsonValue value;
     ASSERT_TRUE(JsonValue::Parse(R"({"k":"A","n":5,"k":"B"})", value));
     EXPECT_EQ(value.GetString("k", "-"), "A");
     EXPECT_EQ(value.GetString("n", "-"), "-");
     EXPECT_EQ(value.Find("n").number, 5);
     EXPECT_EQ(value.Find("K").type, JsonValue::Null);
-    EXPECT_EQ(value.items[1].Find("k").type, JsonValue::Null); // not an object
+    EXPECT_EQ(value.items[1].Find("k").type, JsonValue::Null);
 }
 
 TEST(JsonReader, DataDirLosesTrailingSlashesBeyondTheThirdCharacter) {
@@ -80,14 +60,12 @@ TEST(JsonReader, DataDirLosesTrailingSlashesBeyondTheThirdCharacter) {
         {R"({"data-dir":"D:\\"})", L"D:\\"},
         {R"({"data-dir":"C:/Photos/"})", L"C:/Photos"},
         {R"({"data-dir":5})", L""},
-        {R"({"other":"x"})", L""},
-        {R"({"data-dir":"A","data-dir":"B"})", L"A"},
         {R"(["data-dir"])", L""},
         {R"({"data-dir":"X")", L""},
     };
     for (const auto& [content, expected] : cases) {
         MemoryTree tree;
-        tree.AddFile(L"C:\\U\\Roaming\\Lumivane\\Settings", 0, 0x20, content);
+        tree.Add(L"C:\\U\\Roaming\\Lumivane\\Settings", 0x20, 0, content);
         EXPECT_EQ(ReadDataDirSetting(tree), expected) << content;
     }
     MemoryTree noFile;

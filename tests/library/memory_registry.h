@@ -2,31 +2,35 @@
 
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
-// The options key of the host tests: what OpenSettingsKey opens on the host. It answers like
-// the registry calls: a value that doesn't fit the caller's buffer fails the read, names of 256
-// characters or more fail the walk, and only an opening for writing makes the key.
+// The options key of the host tests. It answers like the registry: a value too big for the
+// caller's buffer fails the read, a name of 256 characters or more fails the walk, and only an
+// opening for writing makes the key.
 struct MemoryRegistry {
     struct Value {
         uint32_t type;
         std::vector<uint8_t> bytes;
     };
-
     bool keyExists = false;
     std::map<std::wstring, Value> values;
     std::vector<std::wstring> writes; // names of the values set, in order
 
-    void Clear() { *this = MemoryRegistry(); }
     // Stores a value as the companion application would, making the key.
-    void Put(const std::wstring& name, uint32_t type, std::vector<uint8_t> bytes);
-    void PutString(const std::wstring& name, const std::wstring& text); // with its zero
-    // The UTF-16LE bytes of `text`, without a terminating zero.
-    static std::vector<uint8_t> Utf16(const std::wstring& text);
-    // A stored REG_SZ up to its first zero; nothing if missing or of another type.
-    std::optional<std::wstring> String(const std::wstring& name) const;
+    void Put(const std::wstring& name, uint32_t type, std::vector<uint8_t> bytes) {
+        keyExists = true;
+        values[name] = {type, std::move(bytes)};
+    }
+    void PutString(const std::wstring& name, const std::wstring& text) {
+        Put(name, 1, Utf16(text + L'\0'));
+    }
+    static std::vector<uint8_t> Utf16(const std::wstring& text) {
+        std::vector<uint8_t> bytes;
+        for (const wchar_t c : text) bytes.insert(bytes.end(), {uint8_t(c), uint8_t(c >> 8)});
+        return bytes;
+    }
 };
 
+// Cleared for every test that uses it.
 MemoryRegistry& TestRegistry();

@@ -2,11 +2,6 @@
 
 #include "photos/image_decoder.h"
 
-FakeImageFiles& FakeFiles() {
-    static FakeImageFiles files;
-    return files;
-}
-
 namespace {
 
 const FakeImage* Open(const std::wstring& path) {

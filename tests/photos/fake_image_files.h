@@ -9,9 +9,7 @@
 // instead of the disk. A decode paints the placed rectangle in the file's colour with the real
 // geometry, so tests see bars, crops and which file was delivered.
 struct FakeImage {
-    uint32_t width = 0;
-    uint32_t height = 0;
-    uint32_t transform = 0;
+    uint32_t width = 0, height = 0, transform = 0;
     uint32_t colour = 0xFF808080;
     bool damaged = false; // opens, but fails to decode
 };
@@ -23,4 +21,7 @@ struct FakeImageFiles {
 
 // The one set of files; tests reset it. Written by the test thread before a job is posted and by
 // the background thread before its completion, so the queue's lock orders every access.
-FakeImageFiles& FakeFiles();
+inline FakeImageFiles& FakeFiles() {
+    static FakeImageFiles files;
+    return files;
+}

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "photos/fake_image_files.h"
@@ -12,23 +13,27 @@
 
 namespace {
 
+using Shape = PhotoSource::Shape;
+
 std::wstring PathAt(int i) { return L"C:\\p\\Photo " + std::to_wstring(i) + L"-a0000000.jpg"; }
 
 class PhotoSourceTest : public ::testing::Test {
 protected:
-    // `count` good 400 x 300 files; file i has the colour 0xFF100000 + i.
-    void MakeFiles(int count) {
+    // `count` 400 x 300 files, file i in the colour 0xFF100000 + i, all damaged or all good; a
+    // source whose cursor is at `cursor`.
+    PhotoSource& MakeFiles(int count, bool damaged, uint64_t cursor) {
         FakeFiles() = {};
         for (int i = 0; i < count; ++i) {
             photos.push_back(PathAt(i));
-            FakeFiles().files[PathAt(i)] = {400, 300, 0, 0xFF100000u + i};
+            FakeFiles().files[PathAt(i)] = {400, 300, 0, 0xFF100000u + i, damaged};
         }
         queue.Start(reinterpret_cast<WindowHandle>(1), 0x8001);
+        source.cursor = cursor;
+        return source;
     }
 
     // One request, waited for and drained as the window thread would.
-    PhotoSource::Photo Request(PhotoSource& source, int32_t width, int32_t height,
-                               PhotoSource::Shape shape = PhotoSource::Shape::Letterbox) {
+    PhotoSource::Photo Request(int32_t width, int32_t height, Shape shape = Shape::Letterbox) {
         PhotoSource::Photo delivered;
         int calls = 0;
         source.Next(width, height, shape, [&](PhotoSource::Photo& photo) {
@@ -47,47 +52,38 @@ protected:
     std::vector<std::wstring> photos;
     StdWorkQueueSystem system;
     WorkQueue queue{system};
+    PhotoSource source{&queue, &photos, 0, flags};
     size_t requests = 0;
 };
 
 TEST_F(PhotoSourceTest, TakesTenCandidatesFromTheCursorAndWrapsByModulo) {
-    MakeFiles(25);
-    for (auto& file : FakeFiles().files) file.second.damaged = true;
-    PhotoSource source(&queue, &photos, 24, flags);
-
-    const PhotoSource::Photo none = Request(source, 640, 480);
+    MakeFiles(25, true, 24);
+    const PhotoSource::Photo none = Request(640, 480);
     std::vector<std::wstring> expected{PathAt(24)};
     for (int i = 0; i <= 8; ++i) expected.push_back(PathAt(i));
     EXPECT_EQ(FakeFiles().opened, expected);
     EXPECT_EQ(source.cursor, 25u);
-    EXPECT_EQ(none.width, 0);
-    EXPECT_EQ(none.height, 0);
-    EXPECT_TRUE(none.pixels.empty());
-    EXPECT_TRUE(none.title.empty());
+    EXPECT_TRUE(none.width == 0 && none.height == 0 && none.pixels.empty() && none.title.empty());
 
     // The next request begins at position 0, and a good file within ten positions is found.
     FakeFiles().files[PathAt(9)].damaged = false;
-    EXPECT_EQ(Request(source, 640, 480).title, PhotoCaption(PathAt(9), flags));
+    EXPECT_EQ(Request(640, 480).title, PhotoCaption(PathAt(9), flags));
 }
 
 TEST_F(PhotoSourceTest, AShortListIsTriedOnceOverAndAWidthOfZeroOpensNothing) {
-    MakeFiles(3);
-    for (auto& file : FakeFiles().files) file.second.damaged = true;
-    PhotoSource source(&queue, &photos, 1, flags);
-    Request(source, 640, 480);
+    MakeFiles(3, true, 1);
+    Request(640, 480);
     EXPECT_EQ(FakeFiles().opened, (std::vector<std::wstring>{PathAt(1), PathAt(2), PathAt(0)}));
-
     FakeFiles() = {};
-    EXPECT_TRUE(Request(source, 0, 480).pixels.empty());
+    EXPECT_TRUE(Request(0, 480).pixels.empty());
     EXPECT_TRUE(FakeFiles().opened.empty());
 }
 
 TEST_F(PhotoSourceTest, ADamagedFileShowsAsItsNeighbourTwice) {
-    MakeFiles(10);
+    MakeFiles(10, false, 4);
     FakeFiles().files[PathAt(4)].damaged = true;
-    PhotoSource source(&queue, &photos, 4, flags);
     for (const int shown : {5, 5, 6}) {
-        const PhotoSource::Photo photo = Request(source, 8, 6);
+        const PhotoSource::Photo photo = Request(8, 6);
         ASSERT_EQ(photo.pixels.size(), 48u);
         EXPECT_EQ(photo.pixels[0], 0xFF100000u + shown);
         EXPECT_EQ(photo.title, PhotoCaption(PathAt(shown), flags));
@@ -95,23 +91,17 @@ TEST_F(PhotoSourceTest, ADamagedFileShowsAsItsNeighbourTwice) {
 }
 
 TEST_F(PhotoSourceTest, TheShapeChoosesBarsCoverOrTheOwnProportions) {
-    MakeFiles(1);
-    PhotoSource source(&queue, &photos, 0, flags);
-    struct Case {
-        PhotoSource::Shape shape;
-        int32_t width, height;
-        uint32_t corner; // the top left pixel: a bar or the photo
-    };
-    // A 400 x 300 photo asked for at 160 x 90.
-    const Case cases[] = {{PhotoSource::Shape::Letterbox, 160, 90, 0xFF000000},
-                          {PhotoSource::Shape::Cover, 160, 90, 0xFF100000},
-                          {PhotoSource::Shape::Exact, 120, 90, 0xFF100000}};
-    for (const Case& c : cases) {
-        const PhotoSource::Photo photo = Request(source, 160, 90, c.shape);
-        EXPECT_EQ(photo.width, c.width);
-        EXPECT_EQ(photo.height, c.height);
+    MakeFiles(1, false, 0);
+    // A 400 x 300 photo asked for at 160 x 90; the top left pixel is a bar or the photo.
+    const std::tuple<Shape, int32_t, uint32_t> cases[] = {
+        {Shape::Letterbox, 160, 0xFF000000}, {Shape::Cover, 160, 0xFF100000},
+        {Shape::Exact, 120, 0xFF100000}};
+    for (const auto& [shape, width, corner] : cases) {
+        const PhotoSource::Photo photo = Request(160, 90, shape);
+        EXPECT_EQ(photo.width, width);
+        EXPECT_EQ(photo.height, 90);
         ASSERT_FALSE(photo.pixels.empty());
-        EXPECT_EQ(photo.pixels[0], c.corner);
+        EXPECT_EQ(photo.pixels[0], corner);
     }
 }
 

@@ -1,7 +1,6 @@
 #include "photos/std_work_queue_system.h"
 
 #include <chrono>
-#include <thread>
 
 namespace {
 
@@ -24,32 +23,22 @@ private:
     bool set = false;
 };
 
-} // namespace
-
-// One started thread and whether its main has returned.
-struct StdWorkQueueSystem::Run {
-    std::thread thread;
-    std::mutex lock;
-    std::condition_variable ended;
-    bool done = false;
-};
-
-namespace {
-
 class StdThread final : public WorkQueue::Thread {
 public:
-    explicit StdThread(std::function<void(uint32_t)> wait) : wait(std::move(wait)) {}
-    void Wait(uint32_t milliseconds) override { wait(milliseconds); }
+    StdThread(StdWorkQueueSystem& system, std::shared_future<void> ended)
+        : system(system), ended(std::move(ended)) {}
+    void Wait(uint32_t milliseconds) override {
+        if (system.beforeWait) system.beforeWait();
+        system.waits.push_back(milliseconds);
+        if (!system.overrun) ended.wait_for(std::chrono::milliseconds(milliseconds));
+    }
 
 private:
-    std::function<void(uint32_t)> wait;
+    StdWorkQueueSystem& system;
+    std::shared_future<void> ended;
 };
 
 } // namespace
-
-StdWorkQueueSystem::~StdWorkQueueSystem() {
-    for (const auto& run : runs) run->thread.join();
-}
 
 std::unique_ptr<WorkQueue::Wake> StdWorkQueueSystem::CreateWake() {
     return std::make_unique<CvWake>();
@@ -57,23 +46,11 @@ std::unique_ptr<WorkQueue::Wake> StdWorkQueueSystem::CreateWake() {
 
 std::unique_ptr<WorkQueue::Thread> StdWorkQueueSystem::StartThread(std::function<void()> main) {
     if (failThreads) return nullptr;
-    auto run = std::make_shared<Run>();
-    run->thread = std::thread([run = run.get(), main = std::move(main)]() mutable {
-        main();
-        main = nullptr; // what the thread owns goes before it counts as ended
-        std::lock_guard<std::mutex> hold(run->lock);
-        run->done = true;
-        run->ended.notify_all();
-    });
-    runs.push_back(run);
-    return std::make_unique<StdThread>([this, run = run.get()](uint32_t milliseconds) {
-        if (beforeWait) beforeWait();
-        waits.push_back(milliseconds);
-        if (overrun) return;
-        std::unique_lock<std::mutex> hold(run->lock);
-        run->ended.wait_for(hold, std::chrono::milliseconds(milliseconds),
-                            [run] { return run->done; });
-    });
+    runs.push_back(std::async(std::launch::async, [main = std::move(main)]() mutable {
+                       main();
+                       main = nullptr; // what the thread owns goes before it counts as ended
+                   }).share());
+    return std::make_unique<StdThread>(*this, runs.back());
 }
 
 void StdWorkQueueSystem::Notify(WindowHandle window, uint32_t message) {

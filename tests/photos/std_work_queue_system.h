@@ -3,6 +3,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -15,16 +16,13 @@
 // the host build, so sessions in host tests start real threads.
 class StdWorkQueueSystem final : public WorkQueue::System {
 public:
-    ~StdWorkQueueSystem() override;
-
     std::unique_ptr<WorkQueue::Wake> CreateWake() override;
     std::unique_ptr<WorkQueue::Thread> StartThread(std::function<void()> main) override;
     void Notify(WindowHandle window, uint32_t message) override;
 
     // Waits up to 5 s until `count` notifications have arrived in all; false if they didn't.
     bool WaitForNotifies(size_t count);
-    // The notifications so far, as (window, message).
-    std::vector<std::pair<WindowHandle, uint32_t>> Notifies();
+    std::vector<std::pair<WindowHandle, uint32_t>> Notifies(); // as (window, message)
 
     // Knobs and records of the queue's waits for its thread.
     bool failThreads = false;         // StartThread gives null
@@ -33,9 +31,10 @@ public:
     std::vector<uint32_t> waits;      // the bound of each wait, in milliseconds
 
 private:
-    struct Run;
     std::mutex lock;
     std::condition_variable changed;
     std::vector<std::pair<WindowHandle, uint32_t>> notifies;
-    std::vector<std::shared_ptr<Run>> runs; // every thread started, so that none outlives this
+    // Every thread started. Last, so that it goes first: dropping the last copy of a thread's
+    // future joins it while a late Notify still finds the members above.
+    std::vector<std::shared_future<void>> runs;
 };

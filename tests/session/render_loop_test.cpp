@@ -52,7 +52,7 @@ struct Loop {
         thread.makeTarget = [this](WindowHandle window, bool) -> std::unique_ptr<DrawingSurface> {
             const int index = static_cast<int>(reinterpret_cast<uintptr_t>(window)) - 1;
             if (refuseTargets.count(index)) return nullptr;
-            return std::make_unique<RecordingSurface>(logs[index]);
+            return MakeRecordingSurface(logs[index]);
         };
         // Every pass ends in a wait or straight away; the quit comes after the chosen number of
         // passes, counted by frame-time reads.
@@ -163,7 +163,7 @@ TEST(RenderLoop, CreateTargetReplacesTargetAndLayerOrLeavesNone) {
     ASSERT_TRUE(window.CreateTarget());
     EXPECT_EQ(loop.logs[0]->targetsAlive, 1);
     EXPECT_EQ(loop.logs[0]->layersAlive, 1);
-    loop.logs[0]->failLayers = true;
+    loop.logs[0]->failing = {Op::CreateLayer};
     EXPECT_FALSE(window.CreateTarget());
     EXPECT_EQ(window.target, nullptr);
     EXPECT_EQ(loop.logs[0]->targetsAlive, 0);

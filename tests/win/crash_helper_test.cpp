@@ -19,24 +19,25 @@ namespace {
 namespace fs = std::filesystem;
 
 struct CrashCase {
-    const wchar_t* how;
+    const char* how;
     const char* thread;
     const char* code;
     const char* detail;
     bool hook; // ends through a runtime hook, with exit code 3
 };
 
+const char kWrite0x10[] = "writing 0x0000000000000010";
 const CrashCase kCases[] = {
-    {L"write-0x10", "ui", "c0000005", "writing 0x0000000000000010", false},
-    {L"stack-overflow", "ui", "c00000fd", "", false},
-    {L"abort", "ui", "e0000004", "", true},
-    {L"terminate", "ui", "e0000003", "", true},
-    {L"purecall", "ui", "e0000001", "", true},
-    {L"msvc-throw", "ui", "e06d7363", ".?AVHelperError@@", false},
-    {L"msvc-throw-unreadable", "ui", "e06d7363", "", false},
-    {L"worker", "worker", "c0000005", "writing 0x0000000000000010", false},
-    {L"worker-throw", "worker", "e0000003", "", true},
-    {L"two-threads", "worker", "c0000005", "writing 0x0000000000000010", false},
+    {"WriteTo0x10", "ui", "c0000005", kWrite0x10, false},
+    {"StackOverflow", "ui", "c00000fd", "", false},
+    {"Abort", "ui", "e0000004", "", true},
+    {"Terminate", "ui", "e0000003", "", true},
+    {"PureCall", "ui", "e0000001", "", true},
+    {"MsvcThrow", "ui", "e06d7363", ".?AVHelperError@@", false},
+    {"MsvcThrowUnreadable", "ui", "e06d7363", "", false},
+    {"Worker", "worker", "c0000005", kWrite0x10, false},
+    {"WorkerThrow", "worker", "e0000003", "", true},
+    {"TwoThreads", "worker", "c0000005", kWrite0x10, false},
 };
 
 fs::path HelperPath() {
@@ -45,18 +46,12 @@ fs::path HelperPath() {
     return fs::path(self).parent_path() / L"lumivane_crash_helper.exe";
 }
 
-bool UnderWine() {
-    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
-}
-
 // The TimeDateStamp in the helper file's header, which its frames must carry.
 std::string FileTimeStamp(const fs::path& file) {
     std::ifstream in(file, std::ios::binary);
     uint32_t headerAt = 0, stamp = 0;
-    in.seekg(0x3c);
-    in.read(reinterpret_cast<char*>(&headerAt), 4);
-    in.seekg(headerAt + 8);
-    in.read(reinterpret_cast<char*>(&stamp), 4);
+    in.seekg(0x3c).read(reinterpret_cast<char*>(&headerAt), 4);
+    in.seekg(headerAt + 8).read(reinterpret_cast<char*>(&stamp), 4);
     char text[9];
     snprintf(text, sizeof text, "%08x", stamp);
     return text;
@@ -68,16 +63,15 @@ struct HelperRun {
     bool ended = false;
 };
 
-HelperRun RunHelper(const fs::path& dataDir, const wchar_t* how) {
-    std::wstring commandLine =
-        L"\"" + HelperPath().wstring() + L"\" \"" + dataDir.wstring() + L"\" " + how;
+HelperRun RunHelper(const fs::path& dataDir, const char* how) {
+    std::wstring commandLine = L"\"" + HelperPath().wstring() + L"\" \"" + dataDir.wstring() +
+                               L"\" " + std::wstring(how, how + strlen(how));
     // Its console output, and that of the debugger that Wine starts after an unhandled
     // exception, go nowhere.
     SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
-    HANDLE nul = CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                             &inherit, OPEN_EXISTING, 0, nullptr);
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
+    HANDLE nul = CreateFileW(L"NUL", GENERIC_WRITE, FILE_SHARE_WRITE, &inherit, OPEN_EXISTING, 0,
+                             nullptr);
+    STARTUPINFOW startup{sizeof startup};
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdInput = startup.hStdOutput = startup.hStdError = nul;
     PROCESS_INFORMATION process{};
@@ -95,54 +89,30 @@ HelperRun RunHelper(const fs::path& dataDir, const wchar_t* how) {
     return run;
 }
 
-std::vector<std::string> Lines(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    EXPECT_FALSE(text.empty());
-    EXPECT_EQ(text.back(), '\n');
-    EXPECT_EQ(text.find_first_of(std::string("\r\0", 2)), std::string::npos);
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);) lines.push_back(line);
-    return lines;
-}
-
 class CrashHelper : public testing::TestWithParam<CrashCase> {
 protected:
     static void SetUpTestSuite() {
         // Wine's own setting: after an unhandled exception its debugger prints a backtrace and
         // ends the process, rather than waiting for a click in a dialog that nobody sees.
-        HKEY key;
-        if (RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Wine\\WineDbg", 0, nullptr, 0,
-                            KEY_SET_VALUE, nullptr, &key, nullptr) == ERROR_SUCCESS) {
-            const DWORD off = 0;
-            RegSetValueExW(key, L"ShowCrashDialog", 0, REG_DWORD,
-                           reinterpret_cast<const BYTE*>(&off), sizeof off);
-            RegCloseKey(key);
-        }
+        const DWORD off = 0;
+        RegSetKeyValueW(HKEY_CURRENT_USER, L"Software\\Wine\\WineDbg", L"ShowCrashDialog",
+                        REG_DWORD, &off, sizeof off);
     }
-
     void SetUp() override {
-        wchar_t temp[MAX_PATH];
-        GetTempPathW(MAX_PATH, temp);
-        dataDir = fs::path(temp) / (L"lumivane-crash-" + std::to_wstring(GetCurrentProcessId()) +
-                                    L"-" + GetParam().how);
         fs::remove_all(dataDir);
         fs::create_directories(dataDir);
     }
-    void TearDown() override {
-        std::error_code ignored;
-        fs::remove_all(dataDir, ignored);
-    }
+    void TearDown() override { fs::remove_all(dataDir); }
 
-    fs::path dataDir;
+    const fs::path dataDir = fs::temp_directory_path() / "lumivane-crash";
 };
 
 TEST_P(CrashHelper, LeavesOneReportWithKeysInOrderAndFramesInTheHelper) {
     const CrashCase& c = GetParam();
     // Wine 8 can't dispatch a stack overflow: the exception's own handling overflows the last
     // page, Wine ends the thread without calling any handler, and the process lives on.
-    if (std::wstring(c.how) == L"stack-overflow" && UnderWine())
+    if (std::string(c.how) == "StackOverflow" &&
+        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version"))
         GTEST_SKIP() << "Wine doesn't dispatch stack overflows to the unhandled exception filter";
 
     const HelperRun run = RunHelper(dataDir, c.how);
@@ -155,27 +125,29 @@ TEST_P(CrashHelper, LeavesOneReportWithKeysInOrderAndFramesInTheHelper) {
         reports.push_back(entry.path());
     ASSERT_EQ(reports.size(), 1u);
     const std::string name = reports[0].filename().string();
-    EXPECT_TRUE(std::regex_match(name, std::regex("[0-9a-f]{16}-" + std::to_string(run.processId) +
-                                                  "\\.crash")))
-        << name;
+    const std::string pid = std::to_string(run.processId);
+    EXPECT_TRUE(std::regex_match(name, std::regex("[0-9a-f]{16}-" + pid + "\\.crash"))) << name;
 
-    const std::vector<std::string> lines = Lines(reports[0]);
+    std::ifstream in(reports[0], std::ios::binary);
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    ASSERT_FALSE(text.empty());
+    EXPECT_EQ(text.back(), '\n');
+    EXPECT_EQ(text.find_first_of(std::string("\r\0", 2)), std::string::npos);
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) lines.push_back(line);
     ASSERT_GE(lines.size(), 12u);
+
     // Lines 1 to 11: fixed values, or a pattern for what differs from run to run.
     const std::string uuid = "[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}";
-    const std::string fixed[] = {"app=saver-win", std::string("thread=") + c.thread,
-                                 std::string("code=") + c.code, std::string("detail=") + c.detail,
-                                 "version=6.2.4", "stage=preview"};
-    const std::string varying[] = {
-        "session=" + uuid,
-        "event=" + uuid,
-        "osv=[0-9]+\\.[0-9]+\\.[0-9]+",
-        "pid=" + std::to_string(run.processId),
-        "time=20[0-9]{2}-[01][0-9]-[0-3][0-9]T[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\\.[0-9]{3}Z",
-    };
-    for (size_t i = 0; i < 6; ++i) EXPECT_EQ(lines[i], fixed[i]);
-    for (size_t i = 0; i < 5; ++i)
-        EXPECT_TRUE(std::regex_match(lines[6 + i], std::regex(varying[i]))) << lines[6 + i];
+    const std::string head[] = {
+        "app=saver-win", std::string("thread=") + c.thread, std::string("code=") + c.code,
+        std::string("detail=") + c.detail, "version=6.2.4", "stage=preview",
+        "session=" + uuid, "event=" + uuid, "osv=[0-9]+\\.[0-9]+\\.[0-9]+", "pid=" + pid,
+        "time=20[0-9]{2}-[01][0-9]-[0-3][0-9]T[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\\.[0-9]{3}Z"};
+    for (size_t i = 0; i < 6; ++i) EXPECT_EQ(lines[i], head[i]);
+    for (size_t i = 6; i < 11; ++i)
+        EXPECT_TRUE(std::regex_match(lines[i], std::regex(head[i]))) << lines[i];
     EXPECT_NE(lines[6].substr(8), lines[7].substr(6)); // session and event differ
 
     const std::regex moduleFrame("frame=([^|?][^|]*)\\|[0-9a-f]{16}\\|([0-9a-f]{8})");
@@ -184,22 +156,16 @@ TEST_P(CrashHelper, LeavesOneReportWithKeysInOrderAndFramesInTheHelper) {
     int helperFrames = 0;
     for (size_t i = 11; i < lines.size(); ++i) {
         std::smatch match;
-        if (std::regex_match(lines[i], match, moduleFrame)) {
-            if (match[1] == "lumivane_crash_helper.exe" && match[2] == stamp) ++helperFrames;
-        } else {
+        if (std::regex_match(lines[i], match, moduleFrame))
+            helperFrames += match[1] == "lumivane_crash_helper.exe" && match[2] == stamp;
+        else
             EXPECT_TRUE(std::regex_match(lines[i], unknownFrame)) << lines[i];
-        }
     }
     EXPECT_LE(lines.size() - 11, 48u);
     EXPECT_GE(helperFrames, 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(Crashes, CrashHelper, testing::ValuesIn(kCases),
-                         [](const testing::TestParamInfo<CrashCase>& info) {
-                             std::string name;
-                             for (const wchar_t* c = info.param.how; *c; ++c)
-                                 if (*c != L'-') name += static_cast<char>(*c);
-                             return name;
-                         });
+                         [](const auto& info) { return std::string(info.param.how); });
 
 } // namespace

@@ -1,11 +1,11 @@
-// The folder adapters on the real file system: the merge of an old data folder, the write test,
-// the photo listing and the folders of a fresh user.
+// The library's adapters on the real registry key and file system: value forms, the merge of an
+// old data folder, the write test, the photo listing and the folders of a fresh user.
 #include <windows.h>
-#include <shellapi.h>
-#include <shlobj.h>
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "library/data_paths.h"
@@ -16,107 +16,126 @@
 
 namespace {
 
+namespace fs = std::filesystem;
 constexpr wchar_t kKey[] = L"Software\\LumivaneW";
 
-bool IsThere(const std::wstring& path) {
-    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+bool KeyExists() {
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, kKey, 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
+    RegCloseKey(key);
+    return true;
 }
 
-void WriteText(const std::wstring& path, const char* text, LONGLONG ageSeconds = 0) {
-    SHCreateDirectoryExW(nullptr, path.substr(0, path.rfind(L'\\')).c_str(), nullptr);
-    HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    ASSERT_NE(file, INVALID_HANDLE_VALUE);
-    DWORD written = 0;
-    WriteFile(file, text, static_cast<DWORD>(strlen(text)), &written, nullptr);
-    FILETIME now;
-    GetSystemTimeAsFileTime(&now);
-    ULARGE_INTEGER time{{now.dwLowDateTime, now.dwHighDateTime}};
-    time.QuadPart -= static_cast<ULONGLONG>(ageSeconds) * 10'000'000;
-    const FILETIME stamp{time.LowPart, time.HighPart};
-    SetFileTime(file, nullptr, nullptr, &stamp);
-    CloseHandle(file);
+void Put(const wchar_t* name, DWORD type, const void* data, DWORD bytes) {
+    ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, kKey, name, type, data, bytes), ERROR_SUCCESS);
 }
 
-std::string Text(const std::wstring& path) {
-    HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                              0, nullptr);
-    char buffer[64] = {};
-    DWORD read = 0;
-    ReadFile(file, buffer, sizeof buffer - 1, &read, nullptr);
-    CloseHandle(file);
-    return buffer;
+// Writes `text` to a new file, dated `ageSeconds` back from now.
+void WriteText(const fs::path& path, const char* text, int ageSeconds = 0) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << text;
+    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::seconds(ageSeconds));
 }
 
-// A folder of its own under the temporary folder, removed with everything in it at the end.
+std::string Text(const fs::path& path) {
+    std::string text;
+    std::getline(std::ifstream(path, std::ios::binary), text);
+    return text;
+}
+
+// A folder of its own under the temporary folder, and no options key, before and after.
 class LibraryFiles : public ::testing::Test {
 protected:
     void SetUp() override {
-        wchar_t temp[MAX_PATH] = {};
-        GetTempPathW(MAX_PATH, temp);
-        root = std::wstring(temp) + L"lumivane-library-" + std::to_wstring(GetCurrentProcessId());
-        Remove(root);
-        SHCreateDirectoryExW(nullptr, root.c_str(), nullptr);
+        fs::remove_all(root);
+        fs::create_directories(root);
         RegDeleteTreeW(HKEY_CURRENT_USER, kKey);
     }
     void TearDown() override {
-        Remove(root);
+        std::error_code ignored;
+        fs::remove_all(root, ignored);
         RegDeleteTreeW(HKEY_CURRENT_USER, kKey);
     }
-    static void Remove(const std::wstring& path) {
-        std::wstring list = path + L'\0';
-        SHFILEOPSTRUCTW operation{};
-        operation.wFunc = FO_DELETE;
-        operation.pFrom = list.c_str();
-        operation.fFlags = FOF_NO_UI;
-        SHFileOperationW(&operation);
-    }
-    std::wstring root;
+    const std::wstring root = (fs::temp_directory_path() / "lumivane-library").wstring();
 };
 
-TEST_F(LibraryFiles, OldDataFolderIsMergedAndTheOptionsFollowIt) {
+TEST_F(LibraryFiles, ReadsNeverMakeTheKeyAndWriteStringMakesItKeepingOtherValues) {
+    EXPECT_EQ(Settings::ReadDword(L"SaverTitle", 1), 1);
+    EXPECT_EQ(Settings::ReadString(L"SaverShow"), L"");
+    Settings::ReplacePathInValues(L"C:\\Old", L"C:\\New");
+    EXPECT_FALSE(KeyExists());
+
+    Settings::WriteString(L"ImportsDir", L"");
+    DWORD type = 0, bytes = 0;
+    ASSERT_EQ(RegGetValueW(HKEY_CURRENT_USER, kKey, L"ImportsDir", RRF_RT_ANY, &type, nullptr,
+                           &bytes),
+              ERROR_SUCCESS);
+    EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
+    EXPECT_EQ(bytes, 2u);
+    const DWORD one = 1;
+    Put(L"SaverFit", REG_DWORD, &one, 4);
+    Settings::WriteString(L"ImportsDir", L"D:\\Pics");
+    EXPECT_EQ(Settings::ReadString(L"ImportsDir"), L"D:\\Pics");
+    EXPECT_EQ(Settings::ReadDword(L"SaverFit", 0), 1);
+}
+
+TEST_F(LibraryFiles, ValueFormsReadByTheirRules) {
+    const DWORD minusOne = 0xFFFFFFFF;
+    const unsigned long long qword = 0;
+    Put(L"Dword", REG_DWORD, &minusOne, 4);
+    Put(L"Qword", REG_QWORD, &qword, 8);
+    Put(L"Zero", REG_SZ, L"0", 4);
+    Put(L"Cut", REG_SZ, L"ab\0cd", 12);
+    Put(L"Bare", REG_SZ, L"ab", 4);
+    Put(L"Expand", REG_EXPAND_SZ, L"faller", 14);
+    EXPECT_EQ(Settings::ReadDword(L"Dword", 1), -1);
+    EXPECT_EQ(Settings::ReadDword(L"Qword", 7), 7);
+    EXPECT_EQ(Settings::ReadDword(L"Zero", 1), 1);
+    EXPECT_EQ(Settings::ReadString(L"Zero"), L"0");
+    EXPECT_EQ(Settings::ReadString(L"Cut"), L"ab");
+    EXPECT_EQ(Settings::ReadString(L"Bare"), L"ab");
+    EXPECT_EQ(Settings::ReadString(L"Expand"), L"");
+}
+
+TEST_F(LibraryFiles, OldDataFolderIsMovedOrMergedAndTheOptionsFollowIt) {
     const std::wstring oldDir = root + L"\\LumivaneW", newDir = root + L"\\Lumivane";
     WriteText(oldDir + L"\\a.txt", "a");
+    EXPECT_EQ(MigrateDataFolder(SystemFileTree(), root), newDir); // a rename
+    EXPECT_EQ(Text(newDir + L"\\a.txt"), "a");
+    EXPECT_FALSE(fs::exists(oldDir));
+
     WriteText(oldDir + L"\\sub\\b.txt", "b");
-    WriteText(oldDir + L"\\both.txt", "old");
+    WriteText(oldDir + L"\\a.txt", "old");
     WriteText(oldDir + L"\\deep\\x\\c.txt", "old c");
-    WriteText(newDir + L"\\both.txt", "new");
     WriteText(newDir + L"\\deep\\x\\c.txt", "new c");
     Settings::WriteString(L"Dir", oldDir + L"\\Slides");
     Settings::WriteString(L"Other", root + L"\\LumivaneWork");
-
-    EXPECT_EQ(MigrateDataFolder(SystemFileTree(), root), newDir);
-    EXPECT_EQ(Text(newDir + L"\\a.txt"), "a");
+    EXPECT_EQ(MigrateDataFolder(SystemFileTree(), root), newDir); // a merge
     EXPECT_EQ(Text(newDir + L"\\sub\\b.txt"), "b");
-    EXPECT_FALSE(IsThere(oldDir + L"\\sub"));
-    EXPECT_EQ(Text(oldDir + L"\\both.txt"), "old");
-    EXPECT_EQ(Text(newDir + L"\\both.txt"), "new");
+    EXPECT_FALSE(fs::exists(oldDir + L"\\sub"));
+    EXPECT_EQ(Text(oldDir + L"\\a.txt"), "old");
+    EXPECT_EQ(Text(newDir + L"\\a.txt"), "a");
     EXPECT_EQ(Text(oldDir + L"\\deep\\x\\c.txt"), "old c");
+    EXPECT_EQ(Text(newDir + L"\\deep\\x\\c.txt"), "new c");
     EXPECT_EQ(Settings::ReadString(L"Dir"), newDir + L"\\Slides");
     EXPECT_EQ(Settings::ReadString(L"Other"), root + L"\\LumivaneWork");
 
     // Once the conflicts are cleared, the next start finishes the move.
-    DeleteFileW((oldDir + L"\\both.txt").c_str());
-    DeleteFileW((oldDir + L"\\deep\\x\\c.txt").c_str());
+    fs::remove(oldDir + L"\\a.txt");
+    fs::remove(oldDir + L"\\deep\\x\\c.txt");
     EXPECT_EQ(MigrateDataFolder(SystemFileTree(), root), newDir);
-    EXPECT_FALSE(IsThere(oldDir));
-}
-
-TEST_F(LibraryFiles, OldDataFolderAloneIsRenamed) {
-    WriteText(root + L"\\LumivaneW\\a.txt", "a");
-    EXPECT_EQ(MigrateDataFolder(SystemFileTree(), root), root + L"\\Lumivane");
-    EXPECT_EQ(Text(root + L"\\Lumivane\\a.txt"), "a");
-    EXPECT_FALSE(IsThere(root + L"\\LumivaneW"));
+    EXPECT_FALSE(fs::exists(oldDir));
 }
 
 TEST_F(LibraryFiles, WriteTestMakesTheFolderAndLeavesNoFile) {
     const std::wstring folder = root + L"\\new\\deeper";
     const std::wstring probe = folder + L"\\.lumivane-write-test";
     EXPECT_TRUE(CanWriteTo(folder));
-    EXPECT_TRUE(IsThere(folder));
-    EXPECT_FALSE(IsThere(probe));
+    EXPECT_TRUE(fs::is_directory(folder));
+    EXPECT_FALSE(fs::exists(probe));
     WriteText(probe, "left by something else");
     EXPECT_TRUE(CanWriteTo(folder));
-    EXPECT_FALSE(IsThere(probe));
+    EXPECT_FALSE(fs::exists(probe));
 }
 
 TEST_F(LibraryFiles, PhotosAreListedNewestFirst) {
@@ -168,14 +187,11 @@ TEST_F(LibraryFiles, FreshUserGetsTheWholeTreeAndAStoredPhotoDirectory) {
     RedirectedTree tree(root);
     const DataPaths paths = BuildDataPaths(tree);
     EXPECT_EQ(paths.dataDir, root + L"\\Local\\Lumivane");
-    EXPECT_EQ(paths.importsDir, root + L"\\Documents");
     EXPECT_EQ(Settings::ReadString(L"ImportsDir"), root + L"\\Documents");
-    for (const std::wstring* folder : {&paths.dataDir, &paths.slidesDir, &paths.updatesDir,
-                                       &paths.itemsDir, &paths.wallpaperDir, &paths.screenSaverDir,
-                                       &paths.wallpaperCacheDir})
-        EXPECT_TRUE(IsThere(*folder)) << std::string(folder->begin(), folder->end());
-    EXPECT_FALSE(IsThere(root + L"\\Documents\\.lumivane-write-test"));
-    EXPECT_EQ(BuildDataPaths(tree).wallpaperCacheDir, paths.wallpaperCacheDir);
+    for (const std::wstring* folder : {&paths.slidesDir, &paths.updatesDir, &paths.wallpaperDir,
+                                       &paths.screenSaverDir, &paths.wallpaperCacheDir})
+        EXPECT_TRUE(fs::is_directory(*folder)) << fs::path(*folder).string();
+    EXPECT_FALSE(fs::exists(root + L"\\Documents\\.lumivane-write-test"));
 }
 
 } // namespace

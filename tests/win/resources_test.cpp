@@ -1,23 +1,14 @@
 // The resources that Windows reads from Lumivane.scr without running it: the name in the screen
-// saver list, the version, the icon and the manifest. LUMIVANE_SCR names the built file (a host
-// path starting with '/' is taken on drive Z:); the test skips when it is unset.
+// saver list, the version, the icon and the manifest. LUMIVANE_SCR names the built file; the
+// test skips when it is unset.
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <string_view>
 #include <vector>
 
 namespace {
-
-std::wstring ProgramPath() {
-    const wchar_t* path = _wgetenv(L"LUMIVANE_SCR");
-    std::wstring windowsPath = path ? path : L"";
-    if (!windowsPath.empty() && windowsPath[0] == L'/') windowsPath = L"Z:" + windowsPath;
-    for (wchar_t& c : windowsPath) c = c == L'/' ? L'\\' : c;
-    return windowsPath;
-}
 
 std::string_view Resource(HMODULE module, LPCWSTR type, LPCWSTR name) {
     HRSRC found = FindResourceW(module, name, type);
@@ -28,10 +19,10 @@ std::string_view Resource(HMODULE module, LPCWSTR type, LPCWSTR name) {
 }
 
 TEST(Resources, NameVersionIconAndManifestAreTheSavers) {
-    const std::wstring path = ProgramPath();
-    if (path.empty()) GTEST_SKIP() << "LUMIVANE_SCR is not set";
-    HMODULE program = LoadLibraryExW(path.c_str(), nullptr,
-                                     LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
+    const wchar_t* path = _wgetenv(L"LUMIVANE_SCR");
+    if (!path || !*path) GTEST_SKIP() << "LUMIVANE_SCR is not set";
+    HMODULE program =
+        LoadLibraryExW(path, nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
     ASSERT_NE(program, nullptr);
 
     wchar_t name[64] = {};
@@ -39,16 +30,15 @@ TEST(Resources, NameVersionIconAndManifestAreTheSavers) {
     EXPECT_STREQ(name, L"Lumivane");
     EXPECT_FALSE(Resource(program, RT_GROUP_ICON, MAKEINTRESOURCEW(100)).empty());
 
-    std::vector<char> version(GetFileVersionInfoSizeW(path.c_str(), nullptr));
-    ASSERT_FALSE(version.empty());
-    ASSERT_TRUE(GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(version.size()),
-                                    version.data()));
+    std::vector<char> version(GetFileVersionInfoSizeW(path, nullptr));
+    ASSERT_TRUE(!version.empty() &&
+                GetFileVersionInfoW(path, 0, static_cast<DWORD>(version.size()), version.data()));
     VS_FIXEDFILEINFO* fixed = nullptr;
+    wchar_t* text = nullptr;
     UINT size = 0;
     ASSERT_TRUE(VerQueryValueW(version.data(), L"\\", reinterpret_cast<void**>(&fixed), &size));
     EXPECT_EQ(fixed->dwFileVersionMS, (6u << 16) | 2u);
     EXPECT_EQ(fixed->dwFileVersionLS, 4u << 16);
-    wchar_t* text = nullptr;
     ASSERT_TRUE(VerQueryValueW(version.data(), L"\\StringFileInfo\\000004b0\\FileVersion",
                                reinterpret_cast<void**>(&text), &size));
     EXPECT_STREQ(text, L"6.2.4");
@@ -57,18 +47,18 @@ TEST(Resources, NameVersionIconAndManifestAreTheSavers) {
     // its namespace.
     const std::string_view manifest =
         Resource(program, RT_MANIFEST, CREATEPROCESS_MANIFEST_RESOURCE_ID);
-    const char* const wanted[] = {
-        "<requestedExecutionLevel level=\"asInvoker\"",
-        "<dpiAware xmlns=\"http://schemas.microsoft.com/SMI/2005/WindowsSettings\">true/pm<",
-        "<dpiAwareness xmlns=\"http://schemas.microsoft.com/SMI/2016/WindowsSettings\">"
-        "PerMonitorV2, PerMonitor<",
-        "name=\"Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\"",
-        "{35138b9a-5d96-4fbd-8e2d-a2440225f93a}", // Windows 7
-        "{4a2f28e3-53b9-4441-ba9c-d69d4a4a6e38}", // Windows 8
-        "{1f676c76-80e1-4239-95bb-83d0f6d0da78}", // Windows 8.1
-        "{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}", // Windows 10 and 11
-    };
-    for (const char* entry : wanted) EXPECT_NE(manifest.find(entry), manifest.npos) << entry;
+    for (const char* entry : {
+             "<requestedExecutionLevel level=\"asInvoker\"",
+             "<dpiAware xmlns=\"http://schemas.microsoft.com/SMI/2005/WindowsSettings\">true/pm<",
+             "<dpiAwareness xmlns=\"http://schemas.microsoft.com/SMI/2016/WindowsSettings\">"
+             "PerMonitorV2, PerMonitor<",
+             "name=\"Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\"",
+             "{35138b9a-5d96-4fbd-8e2d-a2440225f93a}", // Windows 7
+             "{4a2f28e3-53b9-4441-ba9c-d69d4a4a6e38}", // Windows 8
+             "{1f676c76-80e1-4239-95bb-83d0f6d0da78}", // Windows 8.1
+             "{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}", // Windows 10 and 11
+         })
+        EXPECT_NE(manifest.find(entry), manifest.npos) << entry;
     FreeLibrary(program);
 }
 
