@@ -150,10 +150,16 @@ TEST_F(D2dSurfaceTest, SecondaryTargetAppliesTransformAndOpacityToBitmaps) {
     // Mirrored about y = 24 and moved right by 32: (0, 0, 16, 8) lands on (32, 40, 48, 48).
     secondary->SetTransform({1, 0, 0, -1, 32, 48});
     secondary->DrawBitmap(*bitmap, {0, 0, 16, 8}, 0.5f, nullptr);
+    // Turned a quarter about the origin and moved by (24, 8): (0, 0, 16, 8) lands on
+    // (16, 8, 24, 24). With m12 and m21 swapped it would land on (24, -8, 32, 8).
+    secondary->SetTransform({0, 1, -1, 0, 24, 8});
+    secondary->DrawBitmap(*bitmap, {0, 0, 16, 8}, 1.0f, nullptr);
     secondary->SetTransform(Matrix3x2F{});
     ASSERT_EQ(secondary->EndDraw(), EndDrawResult::Ok);
 
     EXPECT_TRUE(WaitFor(40, 44, 0x808080));
+    EXPECT_TRUE(Near(Pixel(20, 16), 0xFFFFFF));
+    EXPECT_TRUE(Near(Pixel(28, 4), 0x000000));
     EXPECT_TRUE(Near(Pixel(8, 4), 0x000000));
     EXPECT_TRUE(Near(Pixel(40, 4), 0x000000));
 }
