@@ -2,6 +2,25 @@
 
 #include <utility>
 
+namespace {
+
+// Takes both queues out under the lock and destroys their items unrun outside it, so that
+// whatever they own can't run into the lock; `resultsFirst` chooses which queue goes first.
+void DropItems(WorkQueue::Shared& shared, bool resultsFirst) {
+    std::deque<WorkQueue::Item> jobs;
+    std::deque<WorkQueue::Item> results;
+    {
+        std::lock_guard<std::mutex> hold(shared.lock);
+        jobs.swap(shared.jobs);
+        results.swap(shared.results);
+    }
+    if (resultsFirst) results.clear();
+    jobs.clear();
+    results.clear();
+}
+
+} // namespace
+
 WorkQueue::WorkQueue(System& system) : shared(std::make_shared<Shared>()) {
     shared->system = &system;
 }
@@ -9,15 +28,7 @@ WorkQueue::WorkQueue(System& system) : shared(std::make_shared<Shared>()) {
 WorkQueue::~WorkQueue() {
     Stop();
     // A queue that never had a thread still holds its items; a late thread may still add one.
-    std::deque<Item> results;
-    std::deque<Item> jobs;
-    {
-        std::lock_guard<std::mutex> hold(shared->lock);
-        results.swap(shared->results);
-        jobs.swap(shared->jobs);
-    }
-    results.clear();
-    jobs.clear();
+    DropItems(*shared, true);
 }
 
 void WorkQueue::Start(WindowHandle targetWindow, uint32_t privateMessage) {
@@ -97,14 +108,5 @@ void WorkQueue::Stop() {
     shared->wake->Set();
     thread->Wait(kStopWaitMilliseconds);
     thread.reset();
-    // Items are destroyed outside the lock, so that whatever they own can't run into it.
-    std::deque<Item> jobs;
-    std::deque<Item> results;
-    {
-        std::lock_guard<std::mutex> hold(shared->lock);
-        jobs.swap(shared->jobs);
-        results.swap(shared->results);
-    }
-    jobs.clear();
-    results.clear();
+    DropItems(*shared, false);
 }

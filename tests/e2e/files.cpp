@@ -2,11 +2,12 @@
 
 #include <shlobj.h>
 #include <wincodec.h>
-#include <wrl/client.h>
 
 #include <fstream>
 #include <iterator>
 #include <vector>
+
+#include "support/wic_image_writer.h"
 
 namespace e2e {
 
@@ -38,31 +39,8 @@ bool WriteJpeg(const std::wstring& path, int width, int height, uint32_t colour)
 
 bool WriteImage(const std::wstring& path, const GUID& container, GUID format, int width,
                 int height, UINT stride, const void* pixels) {
-    using Microsoft::WRL::ComPtr;
     const HRESULT apartment = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    bool written = false;
-    {
-        const GUID asked = format;
-        ComPtr<IWICImagingFactory> factory;
-        ComPtr<IWICStream> stream;
-        ComPtr<IWICBitmapEncoder> encoder;
-        ComPtr<IWICBitmapFrameEncode> frame;
-        // SetPixelFormat answers with the encoder's nearest format; only the one asked for will do.
-        written = SUCCEEDED(CoCreateInstance(CLSID_WICImagingFactory, nullptr,
-                                             CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&factory))) &&
-                  SUCCEEDED(factory->CreateStream(&stream)) &&
-                  SUCCEEDED(stream->InitializeFromFilename(path.c_str(), GENERIC_WRITE)) &&
-                  SUCCEEDED(factory->CreateEncoder(container, nullptr, &encoder)) &&
-                  SUCCEEDED(encoder->Initialize(stream.Get(), WICBitmapEncoderNoCache)) &&
-                  SUCCEEDED(encoder->CreateNewFrame(&frame, nullptr)) &&
-                  SUCCEEDED(frame->Initialize(nullptr)) &&
-                  SUCCEEDED(frame->SetSize(static_cast<UINT>(width), static_cast<UINT>(height))) &&
-                  SUCCEEDED(frame->SetPixelFormat(&format)) && IsEqualGUID(format, asked) &&
-                  SUCCEEDED(frame->WritePixels(static_cast<UINT>(height), stride,
-                                               stride * static_cast<UINT>(height),
-                                               static_cast<BYTE*>(const_cast<void*>(pixels)))) &&
-                  SUCCEEDED(frame->Commit()) && SUCCEEDED(encoder->Commit());
-    }
+    const bool written = WriteWicImage(path, container, format, width, height, stride, pixels);
     if (SUCCEEDED(apartment)) CoUninitialize();
     return written;
 }

@@ -3,9 +3,7 @@
 // Photo files for the Windows tests and the benchmark, written through WIC.
 #include <windows.h>
 
-#include <objbase.h>
 #include <wincodec.h>
-#include <wrl/client.h>
 
 #include <cstdint>
 #include <cstring>
@@ -13,13 +11,14 @@
 #include <string>
 #include <vector>
 
+#include "support/wic_image_writer.h"
+
 namespace image_test {
 
 // Writes a `width` x `height` picture in `container` (GUID_ContainerFormatJpeg or ...Png) whose
 // pixel (x, y) has the colour paint(x, y), 0xRRGGBB. The calling thread has a COM apartment.
 inline bool WriteImage(const std::wstring& path, const GUID& container, int width, int height,
                        uint32_t (*paint)(int x, int y)) {
-    using Microsoft::WRL::ComPtr;
     const UINT stride = static_cast<UINT>(width) * 3;
     std::vector<BYTE> pixels(size_t{stride} * height);
     for (int y = 0; y < height; ++y) {
@@ -28,25 +27,8 @@ inline bool WriteImage(const std::wstring& path, const GUID& container, int widt
             std::memcpy(&pixels[y * stride + x * 3], &colour, 3); // little-endian: B, G, R
         }
     }
-    ComPtr<IWICImagingFactory> factory;
-    ComPtr<IWICStream> stream;
-    ComPtr<IWICBitmapEncoder> encoder;
-    ComPtr<IWICBitmapFrameEncode> frame;
-    WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
-    return SUCCEEDED(CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
-                                      IID_PPV_ARGS(&factory))) &&
-           SUCCEEDED(factory->CreateStream(&stream)) &&
-           SUCCEEDED(stream->InitializeFromFilename(path.c_str(), GENERIC_WRITE)) &&
-           SUCCEEDED(factory->CreateEncoder(container, nullptr, &encoder)) &&
-           SUCCEEDED(encoder->Initialize(stream.Get(), WICBitmapEncoderNoCache)) &&
-           SUCCEEDED(encoder->CreateNewFrame(&frame, nullptr)) &&
-           SUCCEEDED(frame->Initialize(nullptr)) &&
-           SUCCEEDED(frame->SetSize(static_cast<UINT>(width), static_cast<UINT>(height))) &&
-           SUCCEEDED(frame->SetPixelFormat(&format)) &&
-           IsEqualGUID(format, GUID_WICPixelFormat24bppBGR) &&
-           SUCCEEDED(frame->WritePixels(static_cast<UINT>(height), stride,
-                                        static_cast<UINT>(pixels.size()), pixels.data())) &&
-           SUCCEEDED(frame->Commit()) && SUCCEEDED(encoder->Commit());
+    return WriteWicImage(path, container, GUID_WICPixelFormat24bppBGR, width, height, stride,
+                         pixels.data());
 }
 
 constexpr uint32_t kRed = 0xFF0000;
