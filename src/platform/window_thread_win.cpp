@@ -27,7 +27,10 @@ WindowThread::Dispatched Win32WindowThread::DispatchNext() {
 }
 
 void Win32WindowThread::WaitForInput(uint32_t milliseconds) {
-    MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds, QS_ALLINPUT);
+    // Every kind of input and message, as Windows 7 knows them: the headers' QS_ALLINPUT grows
+    // with _WIN32_WINNT (QS_TOUCH, QS_POINTER), and Windows 7 rejects the wait with those bits.
+    constexpr DWORD kAllInputWindows7 = 0x4FF;
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds, kAllInputWindows7);
 }
 
 void Win32WindowThread::HideWindow(WindowHandle window) {
