@@ -1,20 +1,8 @@
 #include "effects/effect.h"
 
+#include "effects/single_effect.h"
 #include "photos/photo_source.h"
 #include "session/random.h"
-
-namespace {
-
-// Stand-in until the effects land: it asks for no photo and paints nothing, so a window shows
-// the black of the cleared target. The effects issue replaces MakeEffect's body with the six
-// presentations.
-class BlankEffect final : public Effect {
-public:
-    void Draw(const Canvas&, double) override {}
-    void ReleaseTargetResources() override {}
-};
-
-} // namespace
 
 EffectKind ParseEffectKind(const std::wstring& text) {
     // Exact, case-sensitive comparisons: "Random" and "KBER" are Fader.
@@ -27,6 +15,11 @@ EffectKind ParseEffectKind(const std::wstring& text) {
     return EffectKind::Fader;
 }
 
-std::unique_ptr<Effect> MakeEffect(EffectKind, EffectOptions, PhotoSource&) {
-    return std::make_unique<BlankEffect>();
+std::unique_ptr<Effect> MakeEffect(EffectKind kind, EffectOptions options, PhotoSource& source) {
+    switch (kind) {
+    case EffectKind::Slider:
+    case EffectKind::Panner: return std::make_unique<SingleEffect>(kind, options, source);
+    // Stand-in until Faller, FourUp and Reflections are drawn: they show as the Fader.
+    default: return std::make_unique<SingleEffect>(EffectKind::Fader, options, source);
+    }
 }

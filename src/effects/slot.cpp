@@ -32,14 +32,16 @@ bool Slot::Advance(double now) {
     return true;
 }
 
-const SurfaceBitmap* Slot::Bitmap(DrawingSurface& target) {
-    if (!current.bitmap && !current.pixels.empty()) {
-        current.bitmap = target.CreateBitmap(static_cast<uint32_t>(current.width),
-                                             static_cast<uint32_t>(current.height),
-                                             current.pixels.data());
+const SurfaceBitmap* UploadImage(DrawingSurface& target, SlotImage& image) {
+    if (!image.bitmap && !image.pixels.empty()) {
+        image.bitmap = target.CreateBitmap(static_cast<uint32_t>(image.width),
+                                           static_cast<uint32_t>(image.height),
+                                           image.pixels.data());
     }
-    return current.bitmap.get();
+    return image.bitmap.get();
 }
+
+const SurfaceBitmap* Slot::Bitmap(DrawingSurface& target) { return UploadImage(target, current); }
 
 void Slot::ReleaseBitmaps() {
     current.bitmap.reset();

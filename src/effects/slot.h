@@ -18,6 +18,10 @@ struct SlotImage {
     std::unique_ptr<SurfaceBitmap> bitmap; // made from `pixels` on first use, only for `current`
 };
 
+// The device bitmap of `image`, uploaded from its pixels on first use; null when it has no pixels
+// or the upload failed, so that the next call tries again. `image` keeps it.
+const SurfaceBitmap* UploadImage(DrawingSurface& target, SlotImage& image);
+
 // One on-screen position of an effect: the photo on show, and behind it the one photo that is on
 // its way or has arrived. Window thread only; nothing here blocks.
 //

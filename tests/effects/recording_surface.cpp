@@ -65,6 +65,7 @@ public:
         CheckDrawing("EndDraw");
         if (!pushed.empty()) Misuse("EndDraw with a layer pushed");
         pushed.clear();
+        opacities.clear();
         drawing = false;
         EndDrawResult result = EndDrawResult::Ok;
         if (!log->endDrawResults.empty()) {
@@ -74,6 +75,7 @@ public:
         return Record(Op::EndDraw).result = result;
     }
     void SetTransform(const Matrix3x2F& transform) override {
+        current = transform;
         Record(Op::SetTransform).transform = transform;
     }
     bool IsOccluded() override {
@@ -148,7 +150,7 @@ public:
         CheckDrawing("DrawBitmap");
         const int object = Check(bitmap, "DrawBitmap of a bitmap").id;
         if (object == id) Misuse("DrawBitmap of its own picture");
-        SurfaceCall& call = Record(Op::DrawBitmap);
+        SurfaceCall& call = RecordDraw(Op::DrawBitmap);
         call.object = object;
         call.rect = destination;
         call.opacity = opacity;
@@ -157,7 +159,7 @@ public:
     void FillRectangle(const RectF& rectangle, const SurfaceBrush& brush) override {
         CheckDrawing("FillRectangle");
         const int brushId = Check(brush, "FillRectangle with a brush").id;
-        SurfaceCall& call = Record(Op::FillRectangle);
+        SurfaceCall& call = RecordDraw(Op::FillRectangle);
         call.rect = rectangle;
         call.brush = brushId;
     }
@@ -165,7 +167,7 @@ public:
                     const SurfaceBrush& brush) override {
         CheckDrawing("DrawString");
         const int brushId = Check(brush, "DrawString with a brush").id;
-        SurfaceCall& call = Record(Op::DrawString);
+        SurfaceCall& call = RecordDraw(Op::DrawString);
         call.text = std::wstring(text);
         call.object = IdOf(format);
         call.rect = rectangle;
@@ -176,6 +178,7 @@ public:
         const int layerId = Check(layer, "PushLayer of a layer").id;
         if (std::count(pushed.begin(), pushed.end(), layerId)) Misuse("PushLayer twice");
         pushed.push_back(layerId);
+        opacities.push_back(opacity);
         const int maskId = mask ? Check(*mask, "PushLayer with a brush").id : 0;
         SurfaceCall& call = Record(Op::PushLayer);
         call.object = layerId;
@@ -185,7 +188,10 @@ public:
     void PopLayer() override {
         CheckDrawing("PopLayer");
         if (pushed.empty()) Misuse("PopLayer with no layer pushed");
-        else pushed.pop_back();
+        else {
+            pushed.pop_back();
+            opacities.pop_back();
+        }
         Record(Op::PopLayer);
     }
 
@@ -193,6 +199,13 @@ private:
     SurfaceCall& Record(Op op) {
         log->calls.push_back({op, id});
         return log->calls.back();
+    }
+    // A draw, with the state that shapes it: the transform and the layers' opacity.
+    SurfaceCall& RecordDraw(Op op) {
+        SurfaceCall& call = Record(op);
+        call.transform = current;
+        for (float opacity : opacities) call.layerOpacity *= opacity;
+        return call;
     }
     template <class Object>
     std::unique_ptr<Object> Make(SurfaceCall& call, int SurfaceLog::*counter) {
@@ -220,6 +233,8 @@ private:
     const uint32_t pixelWidth, pixelHeight; // of an offscreen target
     bool drawing = false;
     std::vector<int> pushed; // layers pushed and not yet popped, innermost last
+    std::vector<float> opacities; // of those layers
+    Matrix3x2F current;           // the transform in force
 };
 
 template <class Base>

@@ -45,7 +45,9 @@ struct SurfaceCall {
     RectF rect;                  // DrawBitmap's destination, FillRectangle's, DrawString's
     std::optional<RectF> source; // DrawBitmap's, none for the whole bitmap
     float opacity = 0;           // DrawBitmap, PushLayer
+    // SetTransform's; for DrawBitmap, FillRectangle and DrawString the one in force
     Matrix3x2F transform;
+    float layerOpacity = 1; // draws: the product of the opacities of the layers pushed
     ColorF color; // Clear, CreateSolidColorBrush, SetColor
     PointF start, end;
     std::vector<GradientStop> stops;
