@@ -18,8 +18,9 @@ EffectKind ParseEffectKind(const std::wstring& text) {
 std::unique_ptr<Effect> MakeEffect(EffectKind kind, EffectOptions options, PhotoSource& source) {
     switch (kind) {
     case EffectKind::Slider:
-    case EffectKind::Panner: return std::make_unique<SingleEffect>(kind, options, source);
-    // Stand-in until Faller, FourUp and Reflections are drawn: they show as the Fader.
+    case EffectKind::Panner:
+    case EffectKind::Reflections: return std::make_unique<SingleEffect>(kind, options, source);
+    // Stand-in until Faller and FourUp are drawn: they show as the Fader.
     default: return std::make_unique<SingleEffect>(EffectKind::Fader, options, source);
     }
 }

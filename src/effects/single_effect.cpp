@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "effects/captions.h"
+#include "effects/painting.h"
 #include "effects/timing.h"
 #include "photos/photo_source.h"
 #include "session/random.h"
@@ -22,6 +23,8 @@ double SingleEffect::CycleLength() const {
 }
 
 void SingleEffect::Draw(const Canvas& canvas, double elapsed) {
+    // The stage of Reflections shows on every frame, also while no photo does.
+    if (kind == EffectKind::Reflections) FillVerticalGradient(canvas, 0x0A0A0A, 0x1A1A1A);
     if (slot.shownAt < 0 || elapsed - slot.shownAt >= CycleLength()) {
         if (!slot.Advance(elapsed)) {
             // The next photo is late: the old one isn't drawn any more, the screen stays dark.
@@ -40,6 +43,7 @@ void SingleEffect::Draw(const Canvas& canvas, double elapsed) {
     switch (kind) {
     case EffectKind::Slider: DrawSlider(canvas, onStage); break;
     case EffectKind::Panner: DrawPanner(canvas, onStage); break;
+    case EffectKind::Reflections: DrawReflections(canvas, onStage); break;
     default: DrawFader(canvas, onStage); break;
     }
     canvas.target->SetTransform(Matrix3x2F{});
@@ -55,6 +59,11 @@ void SingleEffect::RequestPhoto(const Canvas& canvas) {
         const double f = std::min(canvas.target->MaximumBitmapSize() / m, 1.2);
         slot.Request(*source, static_cast<int32_t>(f * w), static_cast<int32_t>(f * h),
                      PhotoSource::Shape::Letterbox);
+        return;
+    }
+    if (kind == EffectKind::Reflections) {
+        // The photo fits the frame of 80% exactly on one axis.
+        slot.Request(*source, 4 * w / 5, 4 * h / 5, PhotoSource::Shape::Exact);
         return;
     }
     slot.Request(*source, w, h, fit ? PhotoSource::Shape::Cover : PhotoSource::Shape::Letterbox);

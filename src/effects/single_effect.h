@@ -30,6 +30,9 @@ private:
     void DrawFader(const Canvas& canvas, double elapsed);
     void DrawSlider(const Canvas& canvas, double elapsed);
     void DrawPanner(const Canvas& canvas, double elapsed);
+    void DrawReflections(const Canvas& canvas, double elapsed);
+    // Renders the framed photo with its shadow, mirror image and title into `composite`.
+    void BuildComposite(const Canvas& canvas);
     // The photo stretched over the canvas, then its caption, under one layer and transform.
     void DrawPhoto(const Canvas& canvas, const SurfaceBitmap* bitmap);
 
@@ -42,6 +45,11 @@ private:
     double zoom = 0; // and magnification at the end of the move
     std::unique_ptr<SurfaceBitmap> composite; // the framed picture of the photo on stage
 };
+
+// Draws `picture` over the canvas turned by `angle` degrees about its vertical middle and moved
+// `depth` away from the viewer, in strips 4 pixels wide; flat, as one bitmap, at 0 and 0.
+void DrawPerspective(const Canvas& canvas, const SurfaceBitmap& picture, double depth,
+                     double angle);
 
 // The camera move of a row drawn for each new photo.
 struct CameraMove {
