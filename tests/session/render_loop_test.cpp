@@ -15,6 +15,7 @@ using Op = SurfaceCall::Op;
 // What every effect of a test saw, in call order: (window index, frame time).
 struct Probe {
     std::vector<std::pair<int, double>> draws;
+    std::vector<Canvas> canvases; // of each draw
     std::vector<int> releases;
 };
 
@@ -26,6 +27,7 @@ public:
         : index(index), probe(probe), thread(thread), work(work) {}
     void Draw(const Canvas& canvas, double elapsed) override {
         probe.draws.emplace_back(index, elapsed);
+        probe.canvases.push_back(canvas);
         canvas.target->SetTransform(Matrix3x2F{0, 1, -1, 0, 5, 5});
         thread.Advance(work);
     }
@@ -58,7 +60,9 @@ struct Loop {
         // passes, counted by frame-time reads.
         for (int i = 0; i < count; ++i) {
             logs.push_back(std::make_shared<SurfaceLog>());
-            auto window = std::make_unique<ScreenWindow>(&session, 0, 640, 480);
+            // Every window differs in size, scale and start in the list.
+            auto window = std::make_unique<ScreenWindow>(&session, i * 5u, 640 + 160 * i, 480 + 90 * i);
+            window->scale = 1.0f + 0.25f * static_cast<float>(i);
             window->hwnd = reinterpret_cast<WindowHandle>(static_cast<uintptr_t>(i + 1));
             window->effect = std::make_unique<ProbeEffect>(i, probe, thread, workPerFrame);
             session.windows.push_back(std::move(window));
@@ -113,6 +117,24 @@ TEST(RenderLoop, GivesAllWindowsOneTimePerPassAndResetsTheirTransform) {
     const auto transforms = loop.logs[1]->Calls(Op::SetTransform);
     EXPECT_EQ(transforms.back().transform, Matrix3x2F{}); // the identity comes last
     EXPECT_TRUE(loop.logs[0]->misuses.empty());
+}
+
+TEST(RenderLoop, HandsEachWindowsEffectACanvasOfThatWindow) {
+    Loop loop(2);
+    loop.passesBeforeQuit = 1;
+    loop.Run();
+    ASSERT_EQ(loop.probe.canvases.size(), 2u);
+    for (size_t i = 0; i < 2; ++i) {
+        const Canvas& canvas = loop.probe.canvases[i];
+        const ScreenWindow& window = *loop.session.windows[i];
+        EXPECT_EQ(canvas.target, window.target.get());
+        EXPECT_EQ(canvas.layer, window.layer.get());
+        EXPECT_EQ(canvas.width, static_cast<float>(window.width));
+        EXPECT_EQ(canvas.height, static_cast<float>(window.height));
+        EXPECT_EQ(canvas.scale, window.scale);
+    }
+    EXPECT_NE(loop.probe.canvases[0].width, loop.probe.canvases[1].width);
+    EXPECT_NE(loop.probe.canvases[0].height, loop.probe.canvases[1].height);
 }
 
 TEST(RenderLoop, LostTargetIsRemadeWhileTheOtherWindowDrawsOn) {
@@ -178,6 +200,7 @@ TEST(SessionDirect2D, OneFailedTargetSendsEveryWindowToTheCrossfade) {
         loop.session.windows[0]->height = 200;
         for (auto& window : loop.session.windows) window->effect.reset();
         if (secondFails) loop.refuseTargets = {1};
+        loop.session.title = false;
         EXPECT_EQ(loop.session.StartDirect2D({}), !secondFails);
         EXPECT_EQ(loop.session.queue.window, loop.session.windows[0]->hwnd);
         EXPECT_EQ(loop.session.queue.message, 0x8001u);
@@ -192,6 +215,20 @@ TEST(SessionDirect2D, OneFailedTargetSendsEveryWindowToTheCrossfade) {
             EXPECT_EQ(window->layer != nullptr, !secondFails);
         }
         EXPECT_EQ(loop.thread.invalidated.size(), secondFails ? 2u : 0u);
+        // Each target has its window's size; only the first waits for the display's refresh.
+        for (size_t i = 0; i < loop.thread.targetRequests.size(); ++i) {
+            const auto& request = loop.thread.targetRequests[i];
+            EXPECT_EQ(request.window, loop.session.windows[i]->hwnd);
+            EXPECT_EQ(request.width, loop.session.windows[i]->width);
+            EXPECT_EQ(request.height, loop.session.windows[i]->height);
+            EXPECT_EQ(request.primary, i == 0);
+        }
+        if (secondFails) continue;
+        // Each window's photos start at its own place, with the session's caption flags.
+        for (size_t i = 0; i < 2; ++i) {
+            EXPECT_EQ(loop.session.windows[i]->source->cursor, i * 5);
+            EXPECT_EQ(loop.session.windows[i]->source->titleFlags, (TitleFlags{false, true}));
+        }
     }
 }
 

@@ -40,8 +40,10 @@ public:
     uint32_t WindowDpi(WindowHandle) override { return dpi; }
     int32_t ScreenHeight() override { return screenHeight; }
     std::unique_ptr<DrawingSurface> CreateWindowTarget(const DrawingFactories*, WindowHandle window,
-                                                       int32_t, int32_t, bool primary) override {
+                                                       int32_t width, int32_t height,
+                                                       bool primary) override {
         ++targetsRequested;
+        targetRequests.push_back({window, width, height, primary});
         return makeTarget ? makeTarget(window, primary) : nullptr;
     }
 
@@ -58,5 +60,11 @@ public:
     uint32_t dpi = 96;
     int32_t screenHeight = 1080;
     int targetsRequested = 0;
+    struct TargetRequest {
+        WindowHandle window;
+        int32_t width, height;
+        bool primary; // presents with the display's refresh
+    };
+    std::vector<TargetRequest> targetRequests;
     std::function<std::unique_ptr<DrawingSurface>(WindowHandle, bool)> makeTarget;
 };
