@@ -96,6 +96,10 @@ TEST(Reflections, CompositeFramesThePhotoAndMirrorsOnlyThePhoto) {
     ASSERT_EQ(gradients.size(), 1u);
     EXPECT_EQ(gradients[0].start.y, 344.0f);
     EXPECT_EQ(gradients[0].end.y, 344.0f + 288);
+    const std::vector<float> alphas{1.0f, 0.5f, 0.0f};
+    ASSERT_EQ(gradients[0].stops.size(), 3u);
+    for (size_t i = 0; i < 3; ++i) EXPECT_EQ(gradients[0].stops[i].color, (ColorF{1, 1, 1, alphas[i]}));
+    EXPECT_EQ(OfOp(calls, Op::Clear).at(0).color, (ColorF{0, 0, 0, 0})); // transparent around
     const auto pushes = OfOp(calls, Op::PushLayer);
     ASSERT_EQ(pushes.size(), 1u);
     EXPECT_EQ(pushes[0].brush, gradients[0].object);
@@ -104,6 +108,7 @@ TEST(Reflections, CompositeFramesThePhotoAndMirrorsOnlyThePhoto) {
     ASSERT_EQ(titles.size(), 1u);
     EXPECT_EQ(titles[0].text, L"Alpha");
     EXPECT_EQ(titles[0].rect, (RectF{0, 324, 640, 374}));
+    EXPECT_EQ(OfOp(calls, Op::CreateSolidColorBrush).back().color, (ColorF{1, 1, 1, 0.8f}));
     EXPECT_EQ(calls.back().op, Op::GetBitmap);
     EXPECT_TRUE(rig.log->misuses.empty());
 }
