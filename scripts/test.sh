@@ -149,6 +149,20 @@ run_wine_tier() {
   rm -f "$log"
 }
 
+# run_scenario NAME FUNCTION: one shell scenario of tests/e2e/scenarios.sh; its checks are counted.
+run_scenario() {
+  local name="$1" t=$SECONDS log
+  log="$(mktemp)"
+  "$2" 2>&1 | tee "$log"
+  local status=${PIPESTATUS[0]} passed failed
+  passed="$(grep -c '^ok: ' "$log")"
+  failed="$(grep -c '^FAILED: ' "$log")"
+  if [ "$status" -ne 0 ] && [ "$failed" -eq 0 ]; then failed=1; fi
+  record "$name" "$([ "$status" -eq 0 ] && echo ok || echo FAILED)" "$passed" "$failed" \
+    $((SECONDS - t))
+  rm -f "$log"
+}
+
 if [ "$win_built" = 1 ]; then
   # shellcheck source=scripts/wine-env.sh
   source "$ROOT/scripts/wine-env.sh"
@@ -160,6 +174,10 @@ if [ "$win_built" = 1 ]; then
     run_wine_tier "2 Windows tests (Wine)" build/win/tests/lumivane_win_tests.exe
     say "tier 3: end-to-end under Wine"
     run_wine_tier "3 end-to-end (Wine)" build/win/tests/lumivane_e2e.exe
+    # shellcheck source=tests/e2e/scenarios.sh
+    source "$ROOT/tests/e2e/scenarios.sh"
+    say "tier 3: a DLL planted beside the saver"
+    run_scenario "3 planted DLL (Wine)" scenario_planted_dll
     lumivane_wine_stop
   else
     record "2+3 Wine / virtual display" FAILED 0 0 0

@@ -1,7 +1,9 @@
 // The end-to-end driver. Without options it runs the scenarios (all GoogleTest flags apply);
 //   --scr <path>         the saver to drive (else LUMIVANE_SCR, else one folder above the driver)
 //   --capture <folder>   no tests: starts a full-screen run, saves screenshots into <folder>
-//                        as shot-1.png, shot-2.png, ..., then ends the run with a key press
+//                        as shot-1.png, shot-2.png, ..., then ends the run with a key press;
+//                        exit code 0 only when every shot was saved and the run ended on the key
+//                        with exit code 0
 //   --shots <n>          how many screenshots (default 4)
 //   --interval <ms>      time before each of them (default 2000)
 #include <gtest/gtest.h>
@@ -35,9 +37,10 @@ int Capture(const std::wstring& folder, int shots, DWORD intervalMs) {
         std::printf("capture: %ls\n", path.c_str());
     }
     PressKey(VK_SPACE);
-    if (!saver.WaitForExit(5000)) std::fprintf(stderr, "capture: no end on a key; ending it\n");
+    const bool ended = saver.WaitForExit(kExitMs) == 0u;
+    if (!ended) std::fprintf(stderr, "capture: no end with exit code 0 on a key; ending it\n");
     std::fflush(stdout);
-    return saved == shots ? 0 : 4;
+    return saved == shots && ended ? 0 : 4;
 }
 
 } // namespace
