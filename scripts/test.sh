@@ -3,7 +3,9 @@
 #   tier 1  host unit tests (g++, AddressSanitizer + UBSan) through ctest, in build/host
 #   fuzzing the JSON reader under libFuzzer for LUMIVANE_FUZZ_SECONDS (60), in build/fuzz
 #   tier 2  Windows tests of the platform layer under Wine, in build/win
-#   tier 3  end-to-end scenarios: the real Lumivane.scr under Wine on a virtual two-monitor display
+#   the Windows installer (NSIS), in build/win
+#   tier 3  end-to-end scenarios: the real Lumivane.scr under Wine on a virtual two-monitor display,
+#           a DLL planted beside it, and the installer in a fresh Wine prefix
 # Exits non-zero when any tier fails. Works unattended (CI=true, no standard input, as root).
 set -uo pipefail
 
@@ -103,6 +105,17 @@ else
   record "  Windows build" FAILED 0 0 $((SECONDS - t))
 fi
 
+# The Windows installer, built on every run so that CI proves it builds (docs/installer.md).
+if [ "$win_built" = 1 ]; then
+  say "Windows installer"
+  t=$SECONDS
+  if cmake --build build/win --target installer; then
+    record "  Windows installer" ok 0 0 $((SECONDS - t))
+  else
+    record "  Windows installer" FAILED 0 1 $((SECONDS - t))
+  fi
+fi
+
 # Lumivane.scr must run alone in System32: no MinGW runtime DLL may sit beside it.
 if [ "$win_built" = 1 ]; then
   say "imports of Lumivane.scr"
@@ -178,6 +191,8 @@ if [ "$win_built" = 1 ]; then
     source "$ROOT/tests/e2e/scenarios.sh"
     say "tier 3: a DLL planted beside the saver"
     run_scenario "3 planted DLL (Wine)" scenario_planted_dll
+    say "tier 3: install and uninstall in a fresh prefix"
+    run_scenario "3 installer (Wine, fresh prefix)" scenario_installer
     lumivane_wine_stop
   else
     record "2+3 Wine / virtual display" FAILED 0 0 0
