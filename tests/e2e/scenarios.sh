@@ -15,15 +15,17 @@ scenario_check() {
   if "$@"; then echo "ok: $what"; else scenario_fail "$what"; fi
 }
 
+# Succeeds when COMMAND fails; its output is dropped.
 scenario_not() { ! "$@" >/dev/null 2>&1; }
 
-# Puts two copies of the test photo where the saver looks with ImportsDir=$2 ($1 is the same
-# folder seen from Linux).
+# Puts two copies of the test photo into the photo tree of the photo directory $1 (a Linux path);
+# with $2, the same folder as Windows sees it, makes it the saver's photo directory.
 scenario_photos() {
   local folder="$1/Lumivane/Lumivane ScreenSaver"
   mkdir -p "$folder" &&
     cp "$LUMIVANE_PHOTO" "$folder/Lake-20240101000001.jpg" &&
-    cp "$LUMIVANE_PHOTO" "$folder/Hill-20240101000002.jpg" &&
+    cp "$LUMIVANE_PHOTO" "$folder/Hill-20240101000002.jpg" || return 1
+  [ -z "${2:-}" ] ||
     lumivane_wine reg add 'HKCU\Software\LumivaneW' /v ImportsDir /d "$2" /f >/dev/null 2>&1
 }
 
@@ -120,10 +122,9 @@ scenario_installer_steps() {
   local desktop='HKCU\Control Panel\Desktop'
   # The user's photos, and a data folder with a log and a crash report, from before: with every
   # folder that a start of the saver makes, so that the run itself changes nothing either.
-  mkdir -p "$photos/Lumivane ScreenSaver" "$photos/Lumivane Wallpaper" "$photos/Wallpaper Cache" \
-    "$data/Crashes" "$data/Slides" "$data/Updates"
-  cp "$LUMIVANE_PHOTO" "$photos/Lumivane ScreenSaver/Lake-20240101000001.jpg"
-  cp "$LUMIVANE_PHOTO" "$photos/Lumivane ScreenSaver/Hill-20240101000002.jpg"
+  scenario_photos "$home/Documents"
+  mkdir -p "$photos/Lumivane Wallpaper" "$photos/Wallpaper Cache" "$data/Crashes" "$data/Slides" \
+    "$data/Updates"
   printf '2026-01-02 03:04:05 [42] crash: no reporter thread, error 8\r\n' >"$data/log.txt"
   printf 'app=saver-win\nthread=ui\n' >"$data/Crashes/01DC000000000000-42.crash"
   local before trace
