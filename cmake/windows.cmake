@@ -18,10 +18,17 @@ target_compile_options(lumivane_platform PRIVATE -Wall -Wextra)
 # two archives depend on each other, and CMake repeats them on the link line.
 target_link_libraries(lumivane_logic INTERFACE lumivane_platform)
 
+# The version resource takes its numbers from project(), as the installer does.
+configure_file(res/lumivane_version.h.in ${CMAKE_BINARY_DIR}/generated/lumivane_version.h @ONLY)
+
 # The resource script pulls these in; rebuild it when they change.
 set_source_files_properties(res/lumivane.rc PROPERTIES OBJECT_DEPENDS
-    "${CMAKE_SOURCE_DIR}/res/lumivane.manifest;${CMAKE_SOURCE_DIR}/res/lumivane.ico")
+    "${CMAKE_SOURCE_DIR}/res/lumivane.manifest;${CMAKE_SOURCE_DIR}/res/lumivane.ico;\
+${CMAKE_BINARY_DIR}/generated/lumivane_version.h")
 add_executable(Lumivane WIN32 src/platform/main_win.cpp res/lumivane.rc)
 set_target_properties(Lumivane PROPERTIES OUTPUT_NAME Lumivane SUFFIX .scr)
 target_link_options(Lumivane PRIVATE -municode)
 target_link_libraries(Lumivane PRIVATE lumivane_platform)
+target_include_directories(Lumivane PRIVATE ${CMAKE_BINARY_DIR}/generated)
+
+include(cmake/installer.cmake)

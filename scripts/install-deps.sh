@@ -19,6 +19,8 @@ want xserver-xephyr
 want xauth
 want libgl1-mesa-dri
 want fonts-dejavu-core
+# NSIS, which builds the Windows installer (the installer target of the Windows build)
+want nsis
 # clang with its runtime libraries, for the libFuzzer target of tests/fuzz
 want clang
 want libclang-rt-14-dev

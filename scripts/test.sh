@@ -3,7 +3,9 @@
 #   tier 1  host unit tests (g++, AddressSanitizer + UBSan) through ctest, in build/host
 #   fuzzing the JSON reader under libFuzzer for LUMIVANE_FUZZ_SECONDS (60), in build/fuzz
 #   tier 2  Windows tests of the platform layer under Wine, in build/win
-#   tier 3  end-to-end scenarios: the real Lumivane.scr under Wine on a virtual two-monitor display
+#   the Windows installer (NSIS), in build/win
+#   tier 3  end-to-end scenarios: the real Lumivane.scr under Wine on a virtual two-monitor display,
+#           a DLL planted beside it, and the installer in a fresh Wine prefix
 # Exits non-zero when any tier fails. Works unattended (CI=true, no standard input, as root).
 set -uo pipefail
 
@@ -103,6 +105,17 @@ else
   record "  Windows build" FAILED 0 0 $((SECONDS - t))
 fi
 
+# The Windows installer, built on every run so that CI proves it builds (docs/installer.md).
+if [ "$win_built" = 1 ]; then
+  say "Windows installer"
+  t=$SECONDS
+  if cmake --build build/win --target installer; then
+    record "  Windows installer" ok 0 0 $((SECONDS - t))
+  else
+    record "  Windows installer" FAILED 0 1 $((SECONDS - t))
+  fi
+fi
+
 # Lumivane.scr must run alone in System32: no MinGW runtime DLL may sit beside it.
 if [ "$win_built" = 1 ]; then
   say "imports of Lumivane.scr"
@@ -149,6 +162,20 @@ run_wine_tier() {
   rm -f "$log"
 }
 
+# run_scenario NAME FUNCTION: one shell scenario of tests/e2e/scenarios.sh; its checks are counted.
+run_scenario() {
+  local name="$1" t=$SECONDS log
+  log="$(mktemp)"
+  "$2" 2>&1 | tee "$log"
+  local status=${PIPESTATUS[0]} passed failed
+  passed="$(grep -c '^ok: ' "$log")"
+  failed="$(grep -c '^FAILED: ' "$log")"
+  if [ "$status" -ne 0 ] && [ "$failed" -eq 0 ]; then failed=1; fi
+  record "$name" "$([ "$status" -eq 0 ] && echo ok || echo FAILED)" "$passed" "$failed" \
+    $((SECONDS - t))
+  rm -f "$log"
+}
+
 if [ "$win_built" = 1 ]; then
   # shellcheck source=scripts/wine-env.sh
   source "$ROOT/scripts/wine-env.sh"
@@ -160,6 +187,12 @@ if [ "$win_built" = 1 ]; then
     run_wine_tier "2 Windows tests (Wine)" build/win/tests/lumivane_win_tests.exe
     say "tier 3: end-to-end under Wine"
     run_wine_tier "3 end-to-end (Wine)" build/win/tests/lumivane_e2e.exe
+    # shellcheck source=tests/e2e/scenarios.sh
+    source "$ROOT/tests/e2e/scenarios.sh"
+    say "tier 3: a DLL planted beside the saver"
+    run_scenario "3 planted DLL (Wine)" scenario_planted_dll
+    say "tier 3: install and uninstall in a fresh prefix"
+    run_scenario "3 installer (Wine, fresh prefix)" scenario_installer
     lumivane_wine_stop
   else
     record "2+3 Wine / virtual display" FAILED 0 0 0

@@ -25,12 +25,28 @@ std::vector<std::wstring> CommandLineArguments() {
     return arguments;
 }
 
+// A function of a system DLL that the process has loaded already, or null where this version of
+// Windows lacks it. Going through void* keeps the compiler from warning about the cast.
+template <typename Function>
+Function LoadedFunction(const wchar_t* module, const char* name) {
+    const HMODULE handle = GetModuleHandleW(module);
+    if (!handle) return nullptr;
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(handle, name)));
+}
+
+// Every later library load, including the libraries that system DLLs pull in by name (Direct2D
+// loads Direct3D, COM loads the imaging codecs), searches only the system folder. Without this
+// the program's own folder comes first, and a user's Downloads folder may hold a DLL of such a
+// name beside the saver. Windows 7 has the call only with an update: without it, go on.
+void SearchOnlySystemFolderForLibraries() {
+    const auto set =
+        LoadedFunction<BOOL(WINAPI*)(DWORD)>(L"kernel32.dll", "SetDefaultDllDirectories");
+    if (set) set(LOAD_LIBRARY_SEARCH_SYSTEM32);
+}
+
 void BecomePerMonitorDpiAware() {
-    using SetContext = BOOL(WINAPI*)(HANDLE);
-    HMODULE user32 = GetModuleHandleW(L"user32.dll");
-    if (!user32) return;
-    auto set = reinterpret_cast<SetContext>(
-        reinterpret_cast<void*>(GetProcAddress(user32, "SetProcessDpiAwarenessContext")));
+    const auto set =
+        LoadedFunction<BOOL(WINAPI*)(HANDLE)>(L"user32.dll", "SetProcessDpiAwarenessContext");
     if (set) set(reinterpret_cast<HANDLE>(static_cast<INT_PTR>(-4))); // per monitor, version 2
 }
 
@@ -41,7 +57,8 @@ bool IsWindowNumber(uint64_t handle) {
 } // namespace
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
-    // Libraries never come from the current directory.
+    SearchOnlySystemFolderForLibraries();
+    // Libraries never come from the current directory either, where the call above is missing.
     SetDllDirectoryW(L"");
     HeapSetInformation(nullptr, HeapEnableTerminationOnCorruption, nullptr, 0);
     // The first use of the data folders: they are found, moved and made here, in every mode.

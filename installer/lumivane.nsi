@@ -1,0 +1,140 @@
+; Lumivane's Windows installer, built by the CMake target "installer" of the Windows build
+; (makensis, see docs/installer.md). It installs for the current user only, with no
+; administrator rights: Lumivane.scr and an uninstaller go to %LOCALAPPDATA%\Programs\Lumivane,
+; an entry appears under the user's installed apps, and Lumivane becomes the user's screen saver.
+;
+; The build passes: VERSION (major.minor.patch, from project() in CMakeLists.txt), SCR (the built
+; Lumivane.scr), ICON (res/lumivane.ico) and OUTFILE (the setup program to write).
+;
+;   Lumivane-<version>-setup.exe          interactive; offers to open the screen saver settings
+;   Lumivane-<version>-setup.exe /S       silent, for deployment; opens nothing
+;   Uninstall.exe [/S]                    in the install folder; also from the installed apps
+
+Unicode true
+Target amd64-unicode
+SetCompressor /SOLID lzma
+RequestExecutionLevel user
+ManifestDPIAware true
+ManifestSupportedOS all
+
+!define PRODUCT "Lumivane"
+!define SAVER "Lumivane.scr"
+!define UNINSTALLER "Uninstall.exe"
+!define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Lumivane"
+; Where Windows keeps the user's screen saver: the program in SCRNSAVE.EXE, on or off in
+; ScreenSaveActive.
+!define DESKTOP_KEY "Control Panel\Desktop"
+!define SPI_SETSCREENSAVEACTIVE 17
+!define SPIF_SENDCHANGE 2
+
+Name "${PRODUCT}"
+OutFile "${OUTFILE}"
+InstallDir "$LOCALAPPDATA\Programs\${PRODUCT}"
+BrandingText "${PRODUCT} ${VERSION}"
+ShowInstDetails nevershow
+ShowUninstDetails nevershow
+
+VIProductVersion "${VERSION}.0"
+VIFileVersion "${VERSION}.0"
+VIAddVersionKey /LANG=0 "ProductName" "${PRODUCT}"
+VIAddVersionKey /LANG=0 "CompanyName" "${PRODUCT}"
+VIAddVersionKey /LANG=0 "FileDescription" "${PRODUCT} screen saver setup"
+VIAddVersionKey /LANG=0 "FileVersion" "${VERSION}"
+VIAddVersionKey /LANG=0 "ProductVersion" "${VERSION}"
+VIAddVersionKey /LANG=0 "LegalCopyright" "Copyright (C) Lumivane"
+
+!include "MUI2.nsh"
+!include "FileFunc.nsh"
+!include "LogicLib.nsh"
+
+!define MUI_ICON "${ICON}"
+!define MUI_UNICON "${ICON}"
+!define MUI_WELCOMEPAGE_TEXT "Setup will install ${PRODUCT} ${VERSION} for you alone, in your own \
+    programs folder, and make it your screen saver.$\r$\n$\r$\nYour photos and the ${PRODUCT} \
+    data folder are not touched.$\r$\n$\r$\n$_CLICK"
+!define MUI_FINISHPAGE_RUN
+!define MUI_FINISHPAGE_RUN_TEXT "Open the screen saver settings"
+!define MUI_FINISHPAGE_RUN_FUNCTION OpenScreenSaverSettings
+!insertmacro MUI_PAGE_WELCOME
+!insertmacro MUI_PAGE_INSTFILES
+!insertmacro MUI_PAGE_FINISH
+!insertmacro MUI_UNPAGE_CONFIRM
+!insertmacro MUI_UNPAGE_INSTFILES
+!insertmacro MUI_LANGUAGE "English"
+
+; The path that SCRNSAVE.EXE holds for the installed saver, into $0. The value is made into the
+; command line that starts the saver; its short form, where the volume has one, has no spaces, so
+; that a folder with a space in its name (a user name such as "Ann Lee") can't split it.
+!macro SaverSelectionPath
+    GetFullPathName /SHORT $0 "$INSTDIR\${SAVER}"
+    ${If} $0 == ""
+        StrCpy $0 "$INSTDIR\${SAVER}"
+    ${EndIf}
+!macroend
+
+Section
+    SetOutPath "$INSTDIR"
+    ; Over an older version, the file is replaced.
+    SetOverwrite on
+    File "/oname=${SAVER}" "${SCR}"
+    WriteUninstaller "$INSTDIR\${UNINSTALLER}"
+
+    WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayName" "${PRODUCT}"
+    WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
+    WriteRegStr HKCU "${UNINSTALL_KEY}" "Publisher" "${PRODUCT}"
+    WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayIcon" "$INSTDIR\${SAVER},0"
+    WriteRegStr HKCU "${UNINSTALL_KEY}" "InstallLocation" "$INSTDIR"
+    WriteRegStr HKCU "${UNINSTALL_KEY}" "UninstallString" '"$INSTDIR\${UNINSTALLER}"'
+    WriteRegStr HKCU "${UNINSTALL_KEY}" "QuietUninstallString" '"$INSTDIR\${UNINSTALLER}" /S'
+    WriteRegDWORD HKCU "${UNINSTALL_KEY}" "NoModify" 1
+    WriteRegDWORD HKCU "${UNINSTALL_KEY}" "NoRepair" 1
+    ; In kilobytes: the two files this installer wrote.
+    ${GetSize} "$INSTDIR" "/M=${SAVER} /S=0K /G=0" $1 $2 $3
+    ${GetSize} "$INSTDIR" "/M=${UNINSTALLER} /S=0K /G=0" $4 $2 $3
+    IntOp $1 $1 + $4
+    WriteRegDWORD HKCU "${UNINSTALL_KEY}" "EstimatedSize" $1
+
+    ; What the system's own "Install" of a screen saver does: select it, and turn the saver on.
+    !insertmacro SaverSelectionPath
+    WriteRegStr HKCU "${DESKTOP_KEY}" "SCRNSAVE.EXE" "$0"
+    WriteRegStr HKCU "${DESKTOP_KEY}" "ScreenSaveActive" "1"
+    System::Call "user32::SystemParametersInfoW(i ${SPI_SETSCREENSAVEACTIVE}, i 1, p 0, \
+        i ${SPIF_SENDCHANGE})"
+SectionEnd
+
+; Only from the finish page, which a silent install never shows.
+Function OpenScreenSaverSettings
+    Exec '"$SYSDIR\control.exe" desk.cpl,,@screensaver'
+FunctionEnd
+
+Section "Uninstall"
+    ; Taken while the file still exists: its short form needs it.
+    !insertmacro SaverSelectionPath
+    Delete "$INSTDIR\${SAVER}"
+    ${If} ${FileExists} "$INSTDIR\${SAVER}"
+        ; Running, for instance in the preview of the screen saver settings: nothing is removed,
+        ; so that the uninstall can simply be run again.
+        MessageBox MB_OK|MB_ICONEXCLAMATION "${SAVER} is in use. Close the screen saver \
+            settings and run the uninstall again." /SD IDOK
+        SetErrorLevel 2
+        Abort
+    ${EndIf}
+
+    ; The selection is cleared only while it still names this file: a user who has chosen
+    ; another screen saver since keeps it.
+    ReadRegStr $1 HKCU "${DESKTOP_KEY}" "SCRNSAVE.EXE"
+    ${If} $1 == "$INSTDIR\${SAVER}"
+    ${OrIf} $1 == $0
+        DeleteRegValue HKCU "${DESKTOP_KEY}" "SCRNSAVE.EXE"
+        WriteRegStr HKCU "${DESKTOP_KEY}" "ScreenSaveActive" "0"
+        System::Call "user32::SystemParametersInfoW(i ${SPI_SETSCREENSAVEACTIVE}, i 0, p 0, \
+            i ${SPIF_SENDCHANGE})"
+    ${EndIf}
+
+    ; Exactly what the installer wrote. The folder goes only when nothing else is left in it;
+    ; photos, the photo directory and the data folder with its log and crash reports live
+    ; elsewhere and are never touched.
+    Delete "$INSTDIR\${UNINSTALLER}"
+    RMDir "$INSTDIR"
+    DeleteRegKey HKCU "${UNINSTALL_KEY}"
+SectionEnd
