@@ -1,5 +1,7 @@
 #include "effects/effect.h"
 
+#include "effects/faller_effect.h"
+#include "effects/four_up_effect.h"
 #include "effects/single_effect.h"
 #include "photos/photo_source.h"
 #include "session/random.h"
@@ -17,9 +19,11 @@ EffectKind ParseEffectKind(const std::wstring& text) {
 
 std::unique_ptr<Effect> MakeEffect(EffectKind kind, EffectOptions options, PhotoSource& source) {
     switch (kind) {
+    case EffectKind::Faller: return std::make_unique<FallerEffect>(source);
+    case EffectKind::FourUp: return std::make_unique<FourUpEffect>(options.pauseIndex, source);
     case EffectKind::Slider:
     case EffectKind::Panner: return std::make_unique<SingleEffect>(kind, options, source);
-    // Stand-in until Faller, FourUp and Reflections are drawn: they show as the Fader.
+    // Stand-in until Reflections is drawn: it shows as the Fader.
     default: return std::make_unique<SingleEffect>(EffectKind::Fader, options, source);
     }
 }
