@@ -24,8 +24,8 @@ void FourUpEffect::Draw(const Canvas& canvas, double elapsed) {
             hold[i] = HoldSeconds(EffectKind::FourUp, static_cast<int32_t>(row)) * 1000.0;
         }
         // Four canvases high: the column's width alone decides the size of nearly every photo.
-        slot.Request(*source, static_cast<int32_t>(cell), static_cast<int32_t>(canvas.height * 4.0f),
-                     PhotoSource::Shape::Exact);
+        slot.Request(*source, static_cast<int32_t>(cell),
+                     static_cast<int32_t>(canvas.height * 4.0f), PhotoSource::Shape::Exact);
     }
     // The top row is as high as its taller current photo, shown or not, so the bottom row moves
     // as soon as a top photo of another height takes the stage.
