@@ -35,9 +35,11 @@ TEST(Faller, OpensFullUnderAVeilWithPrintsPlacedApartAndBordersByTheWidth) {
         SetNextRandom(0xFFFFFFFF - 34);
         // The first painted frame lies under an opaque veil; there the last print is at q 0.
         EXPECT_EQ(OfOp(rig.Frame(start), Op::CreateSolidColorBrush).back().color.a, 1.0f);
-        // The gradient, then each print's paper; its photo comes after its shadow.
+        // The gradient, then each print's paper; its photo comes after its shadow. The veil lifts.
         const auto frame = rig.Frame(start + 450);
         const auto fills = OfOp(frame, Op::FillRectangle), photos = OfOp(frame, Op::DrawBitmap);
+        EXPECT_EQ(OfOp(frame, Op::CreateSolidColorBrush).back().color.a,
+                  static_cast<float>(1 - EaseOut(0.125)));
         for (size_t i = 0; i < 4; ++i) {
             const double q = (450 + lead[i]) / duration[i];
             const SurfaceCall& photo = photos.at(2 * i + 1);
