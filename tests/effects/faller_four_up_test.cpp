@@ -70,12 +70,12 @@ TEST(FourUp, StartsFourSecondsApartInTwoColumnsWithTheBottomRowUnderTheTallerTop
         {4001, 1}, {5300, 1}, {5301, 2}, {8000, 2}, {8001, 2}, {9300, 2}, {9301, 3}, {12000, 3},
         {12001, 3}, {13300, 3}};
     for (const auto& [scale, width, height, left, column, cell, row, bottom] : cases) {
-        EffectRig rig(EffectKind::FourUp, {0, false}, 1920, 200, scale);
+        EffectRig rig(EffectKind::FourUp, {1, false}, 1920, 200, scale);
         for (const auto& photo : rig.photos) FakeFiles().files[photo] = {800, 100};
         FakeFiles().files[rig.photos[1]] = {static_cast<uint32_t>(width),
                                             static_cast<uint32_t>(height)};
-        // Rows 0, 1, 0 (-1 folded into 0) and 0 around pause index 0: rests of 6, 10, 6 and 6 s.
-        SetNextRandom(1);
+        // Draws 3 to 6 pick rows 0, 1, 2 and 0 around pause index 1: rests of 6, 10, 20 and 6 s.
+        SetNextRandom(3);
         for (const auto& [at, count] : shown) {
             EXPECT_EQ(OfOp(rig.Frame(at), Op::DrawBitmap).size(), count) << at;
             rig.Deliver();
