@@ -1,5 +1,7 @@
 #include "effects/effect.h"
 
+#include "effects/faller_effect.h"
+#include "effects/four_up_effect.h"
 #include "effects/single_effect.h"
 #include "photos/photo_source.h"
 #include "session/random.h"
@@ -17,10 +19,9 @@ EffectKind ParseEffectKind(const std::wstring& text) {
 
 std::unique_ptr<Effect> MakeEffect(EffectKind kind, EffectOptions options, PhotoSource& source) {
     switch (kind) {
-    case EffectKind::Slider:
-    case EffectKind::Panner:
-    case EffectKind::Reflections: return std::make_unique<SingleEffect>(kind, options, source);
-    // Stand-in until Faller and FourUp are drawn: they show as the Fader.
-    default: return std::make_unique<SingleEffect>(EffectKind::Fader, options, source);
+    case EffectKind::Faller: return std::make_unique<FallerEffect>(source);
+    case EffectKind::FourUp: return std::make_unique<FourUpEffect>(options.pauseIndex, source);
+    // Fader, Slider, Panner and Reflections show one photo at a time.
+    default: return std::make_unique<SingleEffect>(kind, options, source);
     }
 }

@@ -15,14 +15,15 @@ struct EffectRig {
     static constexpr uint32_t kColours[4] = {0xFF0000C0, 0xFF00C000, 0xFFC00000, 0xFF808080};
     static inline const std::wstring kTitles[4] = {L"Alpha", L"Beta", L"Gamma", L"Delta"};
 
-    EffectRig(EffectKind kind, EffectOptions options, float width = 640, float height = 480) {
+    EffectRig(EffectKind kind, EffectOptions options, float width = 640, float height = 480,
+              float scale = 1) {
         FakeFiles() = {};
         for (size_t i = 0; i < 4; ++i) {
             photos.push_back(L"C:\\p\\" + kTitles[i] + L"-a0000000.jpg");
             FakeFiles().files[photos[i]] = {400, 300, 0, kColours[i]};
         }
         queue.Start(reinterpret_cast<WindowHandle>(1), 0x8001);
-        canvas = {target.get(), nullptr, width, height, 1.0f, layer.get()};
+        canvas = {target.get(), nullptr, width, height, scale, layer.get()};
         effect = MakeEffect(kind, options, source);
     }
     // One frame at `elapsed` as the render loop draws it; gives that frame's calls.
