@@ -4,6 +4,7 @@
 //                        as shot-1.png, shot-2.png, ..., then ends the run with a key press
 //   --shots <n>          how many screenshots (default 4)
 //   --interval <ms>      time before each of them (default 2000)
+//   --set <name>=<text>  writes the string option <name> of the saver first (SaverShow=slider)
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <shellapi.h>
@@ -12,6 +13,7 @@
 #include <string>
 
 #include "e2e/files.h"
+#include "e2e/saver_registry.h"
 #include "e2e/saver_test.h"
 #include "e2e/screen.h"
 
@@ -60,6 +62,8 @@ int main() {
         else if (option == L"--capture") folder = value;
         else if (option == L"--shots") shots = _wtoi(value.c_str());
         else if (option == L"--interval") intervalMs = static_cast<DWORD>(_wtoi(value.c_str()));
+        else if (const size_t equals = value.find(L'='); option == L"--set" && equals != value.npos)
+            e2e::saver_registry::WriteString(value.substr(0, equals).c_str(), value.substr(equals + 1));
         else {
             std::fprintf(stderr, "unknown option %ls\n", argv[i]);
             return 2;
