@@ -30,7 +30,7 @@ cmake --build "$BENCH_BUILD-host" --target lumivane_effect_bench >/dev/null
 
 cmake -S . -B "$BENCH_BUILD" -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake \
   -DCMAKE_BUILD_TYPE=Release -DLUMIVANE_TESTS=ON >/dev/null
-cmake --build "$BENCH_BUILD" --target lumivane_photo_bench lumivane_show_bench Lumivane >/dev/null
+cmake --build "$BENCH_BUILD" --target lumivane_photo_bench lumivane_show_bench >/dev/null
 BENCH="$BENCH_BUILD/tests/bench/lumivane_photo_bench.exe"
 
 # shellcheck source=scripts/wine-env.sh
@@ -100,6 +100,6 @@ printf '%-8s %12s %11s %7s %6s %7s %7s %8s %8s %8s\n' show first-photo first-pas
   median worst uploads median worst
 for show in fader slider kber; do
   lumivane_wine "$BENCH_BUILD/tests/bench/lumivane_show_bench.exe" "$(winpath "$show_dir")" \
-    "$show" "$SHOW_SECONDS" "$(winpath "$BENCH_BUILD/Lumivane.scr")" </dev/null | tr -d '\r' |
+    "$show" "$SHOW_SECONDS" </dev/null | tr -d '\r' |
     awk '{ printf "%-8s %12s %11s %7s %6s %7s %7s %8s %8s %8s\n", $1, $2, $3, $4, $5, $6, $7, $8, $9, $10 }'
 done

@@ -11,8 +11,8 @@ shots="$(mktemp -d)"
 trap 'rm -rf "$shots"' EXIT
 
 # Milliseconds from start to the screenshot, with the default rest of 10 s: the Fader at full
-# strength, the Slider about to slide out to the right, the Panner well into its move.
-for entry in fader:6000 slider:14000 kber:11000; do
+# strength, the Slider sliding out to the right, the Panner well into its move.
+for entry in fader:6000 slider:15500 kber:11000; do
   show="${entry%%:*}"
   LUMIVANE_VIRTUAL_DISPLAY=1 LUMIVANE_PAUSE= LUMIVANE_SHOTS=1 LUMIVANE_SHOT_INTERVAL_MS="${entry#*:}" \
     bash "$ROOT/scripts/run.sh" --show "$show" "$shots/$show"

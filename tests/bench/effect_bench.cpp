@@ -10,53 +10,10 @@
 #include "effects/effect.h"
 #include "photos/fake_image_files.h"
 #include "photos/photo_source.h"
+#include "bench/probe_surface.h"
 #include "support/scripted_queue.h"
 
 namespace {
-
-struct NullObject final : SurfaceBitmap, SurfaceBrush, SurfaceLayer, TextFormat {
-    void SetColor(const ColorF&) override {}
-    void SetTextAlignment(TextAlignment) override {}
-    void SetParagraphAlignment(ParagraphAlignment) override {}
-    void SetWordWrapping(WordWrapping) override {}
-};
-
-// Every call returns at once; everything made is an empty object.
-class NullSurface final : public DrawingSurface {
-    template <typename T> static std::unique_ptr<T> Make() { return std::make_unique<NullObject>(); }
-
-public:
-    void BeginDraw() override {}
-    void Clear(const ColorF&) override {}
-    EndDrawResult EndDraw() override { return EndDrawResult::Ok; }
-    void SetTransform(const Matrix3x2F&) override {}
-    bool IsOccluded() override { return false; }
-    void UseGrayscaleTextAntialiasing() override {}
-    uint32_t MaximumBitmapSize() override { return 16384; }
-    std::unique_ptr<SurfaceBitmap> CreateBitmap(uint32_t, uint32_t, const uint32_t*) override {
-        return Make<SurfaceBitmap>();
-    }
-    std::unique_ptr<SurfaceBrush> CreateSolidColorBrush(const ColorF&) override {
-        return Make<SurfaceBrush>();
-    }
-    std::unique_ptr<SurfaceBrush> CreateLinearGradientBrush(PointF, PointF, const GradientStop*,
-                                                            uint32_t) override {
-        return Make<SurfaceBrush>();
-    }
-    std::unique_ptr<SurfaceLayer> CreateLayer() override { return Make<SurfaceLayer>(); }
-    std::unique_ptr<DrawingSurface> CreateCompatibleRenderTarget(SizeF, uint32_t, uint32_t) override {
-        return std::make_unique<NullSurface>();
-    }
-    std::unique_ptr<SurfaceBitmap> GetBitmap() override { return Make<SurfaceBitmap>(); }
-    std::unique_ptr<TextFormat> CreateTextFormat(const TextFormatParams&) override {
-        return Make<TextFormat>();
-    }
-    void DrawBitmap(const SurfaceBitmap&, const RectF&, float, const RectF*) override {}
-    void FillRectangle(const RectF&, const SurfaceBrush&) override {}
-    void DrawString(std::wstring_view, const TextFormat&, const RectF&, const SurfaceBrush&) override {}
-    void PushLayer(SurfaceLayer&, float, const SurfaceBrush*) override {}
-    void PopLayer() override {}
-};
 
 // One benchmark iteration is one frame of one window; the reported time is per frame, and
 // "change_us" the mean of the frames on which a new photo takes the stage (the old one's pixels
@@ -72,7 +29,7 @@ void Frames(benchmark::State& state, EffectKind kind) {
     WorkQueue queue{system};
     queue.Start(reinterpret_cast<WindowHandle>(1), 0x8001);
     PhotoSource source{&queue, &photos, 0, {true, true}};
-    NullSurface surface;
+    ProbeSurface surface; // does nothing
     const auto layer = surface.CreateLayer();
     const Canvas canvas{&surface, nullptr, 1920, 1080, 1.0f, layer.get()};
     const auto effect = MakeEffect(kind, EffectOptions{2, false}, source);

@@ -1,14 +1,15 @@
 // The real show under Wine, timed from outside the product's code:
 //
-//   lumivane_show_bench.exe <photo directory> <SaverShow> <seconds> [<Lumivane.scr>]
+//   lumivane_show_bench.exe <photo directory> <SaverShow> <seconds>
 //
-// sets ImportsDir, SaverShow and SaverPause "0" in the registry; with a saver given, starts it
-// full-screen and times its start until the middle of the first monitor is no longer black;
-// then runs a full-screen session in this process for <seconds>, behind a window thread that
-// times every pass of the render loop and drawing surfaces that count photo uploads. Prints
+// sets ImportsDir, SaverShow and SaverPause "0" in the registry and runs a full-screen session of
+// the saver in this process for <seconds>, behind a window thread that times every pass of the
+// render loop and window targets that count photo uploads and bitmaps drawn. Prints
 //   <show> <first photo ms> <first pass ms> <passes> <fps> <median ms> <worst ms>
 //          <upload passes> <their median ms> <their worst ms>
-// where median and worst leave out the first pass and the passes that uploaded a photo.
+// where the first photo is the end of the first pass that drew a bitmap, counted from the
+// creation of this process, and median and worst leave out the first pass and the passes that
+// uploaded a photo.
 #include <windows.h>
 
 #include <objbase.h>
@@ -18,63 +19,26 @@
 #include <string>
 #include <vector>
 
+#include "bench/probe_surface.h"
 #include "platform/win_handles.h"
 #include "platform/window_thread_win.h"
 #include "session/saver_session.h"
 
 namespace {
 
-// Forwards everything to the real target, counting CreateBitmap calls in `uploads`.
-class CountingSurface final : public DrawingSurface {
-public:
-    CountingSurface(std::unique_ptr<DrawingSurface> real, int& count)
-        : inner(std::move(real)), uploads(&count) {}
-    void BeginDraw() override { inner->BeginDraw(); }
-    void Clear(const ColorF& c) override { inner->Clear(c); }
-    EndDrawResult EndDraw() override { return inner->EndDraw(); }
-    void SetTransform(const Matrix3x2F& m) override { inner->SetTransform(m); }
-    bool IsOccluded() override { return inner->IsOccluded(); }
-    void UseGrayscaleTextAntialiasing() override { inner->UseGrayscaleTextAntialiasing(); }
-    uint32_t MaximumBitmapSize() override { return inner->MaximumBitmapSize(); }
-    std::unique_ptr<SurfaceBitmap> CreateBitmap(uint32_t w, uint32_t h, const uint32_t* p) override {
-        ++*uploads;
-        return inner->CreateBitmap(w, h, p);
-    }
-    std::unique_ptr<SurfaceBrush> CreateSolidColorBrush(const ColorF& c) override {
-        return inner->CreateSolidColorBrush(c);
-    }
-    std::unique_ptr<SurfaceBrush> CreateLinearGradientBrush(PointF a, PointF b, const GradientStop* s,
-                                                            uint32_t n) override {
-        return inner->CreateLinearGradientBrush(a, b, s, n);
-    }
-    std::unique_ptr<SurfaceLayer> CreateLayer() override { return inner->CreateLayer(); }
-    std::unique_ptr<DrawingSurface> CreateCompatibleRenderTarget(SizeF s, uint32_t w,
-                                                                 uint32_t h) override {
-        return inner->CreateCompatibleRenderTarget(s, w, h);
-    }
-    std::unique_ptr<SurfaceBitmap> GetBitmap() override { return inner->GetBitmap(); }
-    std::unique_ptr<TextFormat> CreateTextFormat(const TextFormatParams& f) override {
-        return inner->CreateTextFormat(f);
-    }
-    void DrawBitmap(const SurfaceBitmap& b, const RectF& d, float o, const RectF* s) override {
-        inner->DrawBitmap(b, d, o, s);
-    }
-    void FillRectangle(const RectF& r, const SurfaceBrush& b) override { inner->FillRectangle(r, b); }
-    void DrawString(std::wstring_view t, const TextFormat& f, const RectF& r,
-                    const SurfaceBrush& b) override {
-        inner->DrawString(t, f, r, b);
-    }
-    void PushLayer(SurfaceLayer& l, float o, const SurfaceBrush* b) override { inner->PushLayer(l, o, b); }
-    void PopLayer() override { inner->PopLayer(); }
-
-private:
-    std::unique_ptr<DrawingSurface> inner;
-    int* uploads;
-};
+double ProcessAgeMs() {
+    FILETIME created, exited, kernel, user, now;
+    GetProcessTimes(GetCurrentProcess(), &created, &exited, &kernel, &user);
+    GetSystemTimeAsFileTime(&now);
+    const auto ms = [](FILETIME t) {
+        return (static_cast<double>(t.dwHighDateTime) * 4294967296.0 + t.dwLowDateTime) / 10000.0;
+    };
+    return ms(now) - ms(created);
+}
 
 // The real window thread; a pass runs from the empty message queue to the next look at it.
 // After `seconds` it answers the quit message.
-class TimedThread final : public WindowThread {
+class TimedThread final : public Win32WindowThread {
 public:
     struct Pass {
         double ms;
@@ -82,83 +46,56 @@ public:
     };
 
     explicit TimedThread(double seconds) : deadline(Now() + seconds * 1000) {}
-    double Now() { return static_cast<double>(real.Counter()) * 1000 / real.CounterFrequency(); }
+    double Now() { return static_cast<double>(Counter()) * 1000 / CounterFrequency(); }
 
-    int64_t CounterFrequency() override { return real.CounterFrequency(); }
-    int64_t Counter() override { return real.Counter(); }
     Dispatched DispatchNext() override {
         EndPass();
         if (Now() >= deadline) return Dispatched::Quit;
-        const Dispatched dispatched = real.DispatchNext();
+        const Dispatched dispatched = Win32WindowThread::DispatchNext();
         if (dispatched == Dispatched::Nothing) {
             passStart = Now();
-            uploads = 0;
+            for (ProbeSurface* target : targets) target->uploads = target->bitmapsDrawn = 0;
         }
         return dispatched;
     }
     void WaitForInput(uint32_t ms) override {
         EndPass();
-        real.WaitForInput(ms);
+        Win32WindowThread::WaitForInput(ms);
     }
-    void HideWindow(WindowHandle w) override { real.HideWindow(w); }
-    void InvalidateWindow(WindowHandle w) override { real.InvalidateWindow(w); }
-    void PostQuit() override { real.PostQuit(); }
-    uint32_t WindowDpi(WindowHandle w) override { return real.WindowDpi(w); }
-    int32_t ScreenHeight() override { return real.ScreenHeight(); }
     std::unique_ptr<DrawingSurface> CreateWindowTarget(const DrawingFactories* f, WindowHandle w,
                                                        int32_t width, int32_t height,
                                                        bool primary) override {
-        auto target = real.CreateWindowTarget(f, w, width, height, primary);
-        if (!target) return nullptr;
-        return std::make_unique<CountingSurface>(std::move(target), uploads);
+        auto real = Win32WindowThread::CreateWindowTarget(f, w, width, height, primary);
+        if (!real) return nullptr;
+        auto target = std::make_unique<ProbeSurface>(std::move(real));
+        targets.push_back(target.get()); // a lost target stays listed: fine for a short run
+        return target;
     }
 
     std::vector<Pass> passes;
     double firstStart = -1, lastEnd = 0; // of the first and the last pass
+    double firstPhoto = -1;              // ProcessAgeMs at the end of the first pass with a photo
 
 private:
     void EndPass() {
         if (passStart < 0) return;
         const double now = Now();
-        passes.push_back({now - passStart, uploads > 0});
+        bool uploaded = false, drawn = false;
+        for (ProbeSurface* target : targets) {
+            uploaded = uploaded || target->uploads > 0;
+            drawn = drawn || target->bitmapsDrawn > 0;
+        }
+        passes.push_back({now - passStart, uploaded});
+        if (drawn && firstPhoto < 0) firstPhoto = ProcessAgeMs();
         if (firstStart < 0) firstStart = passStart;
         lastEnd = now;
         passStart = -1;
     }
 
-    Win32WindowThread real;
+    std::vector<ProbeSurface*> targets;
     double deadline;
     double passStart = -1;
-    int uploads = 0;
 };
-
-// Milliseconds from starting `saver` /s until the middle of the first monitor isn't black.
-double FirstPhotoMs(const std::wstring& saver) {
-    const ULONGLONG start = GetTickCount64();
-    std::wstring command = L"\"" + saver + L"\" /s";
-    STARTUPINFOW startup{sizeof startup};
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                        &startup, &process))
-        return -1;
-    const POINT middle{GetSystemMetrics(SM_CXSCREEN) / 2, GetSystemMetrics(SM_CYSCREEN) / 2};
-    double ms = -1;
-    HDC screen = GetDC(nullptr);
-    while (GetTickCount64() - start < 30000) {
-        const COLORREF pixel = GetPixel(screen, middle.x, middle.y);
-        if (pixel != CLR_INVALID && (GetRValue(pixel) + GetGValue(pixel) + GetBValue(pixel)) > 30) {
-            ms = static_cast<double>(GetTickCount64() - start);
-            break;
-        }
-        Sleep(5);
-    }
-    ReleaseDC(nullptr, screen);
-    TerminateProcess(process.hProcess, 0);
-    WaitForSingleObject(process.hProcess, 10000);
-    CloseHandle(process.hProcess);
-    CloseHandle(process.hThread);
-    return ms;
-}
 
 // The median and the largest of `ms`; zeros when empty.
 std::pair<double, double> MedianAndWorst(std::vector<double> ms) {
@@ -175,15 +112,13 @@ void SetOption(const wchar_t* name, const std::wstring& value) {
 } // namespace
 
 int wmain(int argc, wchar_t** argv) {
-    if (argc < 4) {
-        std::fprintf(stderr, "usage: lumivane_show_bench <photo directory> <show> <seconds> [scr]\n");
+    if (argc != 4) {
+        std::fprintf(stderr, "usage: lumivane_show_bench <photo directory> <show> <seconds>\n");
         return 2;
     }
     SetOption(L"ImportsDir", argv[1]);
     SetOption(L"SaverShow", argv[2]);
     SetOption(L"SaverPause", L"0");
-    const double firstPhoto = argc > 4 ? FirstPhotoMs(argv[4]) : -1;
-
     ComApartment apartment;
     TimedThread thread(_wtof(argv[3]));
     {
@@ -198,7 +133,7 @@ int wmain(int argc, wchar_t** argv) {
     const double firstPass = thread.passes.empty() ? 0 : thread.passes.front().ms;
     const auto [median, worst] = MedianAndWorst(plain);
     const auto [uploadMedian, uploadWorst] = MedianAndWorst(upload);
-    std::wprintf(L"%ls %.0f %.0f %zu %.2f %.0f %.0f %zu %.0f %.0f\n", argv[2], firstPhoto,
+    std::wprintf(L"%ls %.0f %.0f %zu %.2f %.0f %.0f %zu %.0f %.0f\n", argv[2], thread.firstPhoto,
                  firstPass, thread.passes.size(),
                  thread.passes.size() * 1000.0 / std::max(thread.lastEnd - thread.firstStart, 1.0),
                  median, worst, upload.size(), uploadMedian, uploadWorst);
