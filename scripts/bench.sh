@@ -1,25 +1,36 @@
 #!/usr/bin/env bash
-# Benchmark of photo decoding: milliseconds per photo of LoadPhotoSized (WIC under Wine) to
-# 1920x1080 and 3840x2160, for a ~2 MP and an ~18 MP JPEG, next to native djpeg (libjpeg-turbo)
-# decoding the same files in full, as a ratio. Not a test: it asserts nothing.
+# Benchmarks; not tests: they assert nothing. In order:
+#   1. our own cost per frame of each presentation, on the host (Google Benchmark), drawing on a
+#      surface that does nothing;
+#   2. photo decoding: milliseconds per photo of LoadPhotoSized (WIC under Wine) to 1920x1080 and
+#      3840x2160, for a ~2 MP and an ~18 MP JPEG and real photos, next to native djpeg
+#      (libjpeg-turbo) decoding the same files in full, as a ratio;
+#   3. the real show under Wine on two virtual monitors of LUMIVANE_SCREEN (default 1920x1080):
+#      per presentation, the time from start to the first photo pixels, and the render loop's
+#      passes (fps, median and worst), with the passes that upload a photo apart.
 #
-#   bash scripts/bench.sh            # 10 runs per file and size
-#   LUMIVANE_BENCH_RUNS=30 bash scripts/bench.sh
-#
-# The real photos of the mate-backgrounds package are timed too when it is installed.
+#   bash scripts/bench.sh            # 10 decoding runs per file and size, 30 s per presentation
+#   LUMIVANE_BENCH_RUNS=30 LUMIVANE_BENCH_SHOW_SECONDS=40 bash scripts/bench.sh
 set -euo pipefail
 
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 cd "$ROOT"
 RUNS="${LUMIVANE_BENCH_RUNS:-10}"
 BENCH_BUILD="${LUMIVANE_BENCH_BUILD:-$ROOT/build/bench}"
+SHOW_SECONDS="${LUMIVANE_BENCH_SHOW_SECONDS:-30}"
 export LUMIVANE_BUILD_DIR="${LUMIVANE_BUILD_DIR:-$ROOT/build}"
+export LUMIVANE_SCREEN="${LUMIVANE_SCREEN:-1920x1080x24}"
 
-bash scripts/install-deps.sh libjpeg-turbo-progs </dev/null
+bash scripts/install-deps.sh libjpeg-turbo-progs mate-backgrounds </dev/null
+
+echo "== our own cost per frame (host, Release, a drawing surface that does nothing)"
+cmake -S . -B "$BENCH_BUILD-host" -G Ninja -DCMAKE_BUILD_TYPE=Release -DLUMIVANE_TESTS=ON >/dev/null
+cmake --build "$BENCH_BUILD-host" --target lumivane_effect_bench >/dev/null
+"$BENCH_BUILD-host/tests/bench/lumivane_effect_bench" 2>&1 | grep -v 'built as DEBUG'
 
 cmake -S . -B "$BENCH_BUILD" -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake \
   -DCMAKE_BUILD_TYPE=Release -DLUMIVANE_TESTS=ON >/dev/null
-cmake --build "$BENCH_BUILD" --target lumivane_photo_bench >/dev/null
+cmake --build "$BENCH_BUILD" --target lumivane_photo_bench lumivane_show_bench >/dev/null
 BENCH="$BENCH_BUILD/tests/bench/lumivane_photo_bench.exe"
 
 # shellcheck source=scripts/wine-env.sh
@@ -58,7 +69,8 @@ winfiles=()
 for file in "${files[@]}"; do winfiles+=("$(winpath "$file")"); done
 results="$(lumivane_wine "$BENCH" "$RUNS" "${winfiles[@]}" | tr -d '\r')"
 
-echo "ms per photo, mean of $RUNS runs; ratio = LoadPhotoSized / djpeg"
+echo
+echo "== photo decoding: ms per photo, mean of $RUNS runs; ratio = LoadPhotoSized / djpeg"
 printf '%-28s %10s %9s %14s %7s %14s %7s\n' file pixels djpeg "1920x1080" ratio "3840x2160" ratio
 i=0
 while read -r size full ultra _; do
@@ -70,3 +82,24 @@ while read -r size full ultra _; do
                     name, mp, d, f, f / d, u, u / d }'
   i=$((i + 1))
 done <<<"$results"
+
+# The show: real photos in a photo directory of the bench's own, inside the build tree.
+show_dir="$BENCH_BUILD/show"
+show_photos="$show_dir/Lumivane/Lumivane ScreenSaver"
+mkdir -p "$show_photos"
+for file in /usr/share/backgrounds/mate/nature/{Dune,Storm,Garden,Wood}.jpg; do
+  name="$(basename "$file" .jpg)"
+  [ -f "$file" ] && cp -n "$file" "$show_photos/$name-mate0000.jpg"
+done
+echo
+echo "== the show under Wine: two monitors of ${LUMIVANE_SCREEN%x*}, ${SHOW_SECONDS} s each, SaverPause 0"
+echo "   Direct2D renders in software here (Wine on Xvfb): these figures describe this machine's"
+echo "   CPU renderer, not a GPU. A pass draws both monitors. ms; median and worst leave out the"
+echo "   first pass and the passes that uploaded a photo."
+printf '%-8s %12s %11s %7s %6s %7s %7s %8s %8s %8s\n' show first-photo first-pass passes fps \
+  median worst uploads median worst
+for show in fader slider kber; do
+  lumivane_wine "$BENCH_BUILD/tests/bench/lumivane_show_bench.exe" "$(winpath "$show_dir")" \
+    "$show" "$SHOW_SECONDS" </dev/null | tr -d '\r' |
+    awk '{ printf "%-8s %12s %11s %7s %6s %7s %7s %8s %8s %8s\n", $1, $2, $3, $4, $5, $6, $7, $8, $9, $10 }'
+done

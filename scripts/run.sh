@@ -2,7 +2,13 @@
 # Shows Lumivane running: builds Lumivane.scr, starts it full-screen (/s) under Wine, saves a few
 # screenshots over some seconds, then ends it with a key press and stops what it started.
 #
-#   scripts/run.sh [screenshot-folder]        (default: ./screenshots)
+#   scripts/run.sh [--show <presentation>] [screenshot-folder]   (default: ./screenshots)
+#
+# The presentation is the value of SaverShow: fader (the default), slider, kber, and the others
+# by their names ("random", "faller", "fourup", "reflections"); LUMIVANE_SHOW sets it too.
+# LUMIVANE_PAUSE sets SaverPause ("0" to "5": rests of 3 to 60 s; default empty, 10 s).
+# When the Wine prefix's user has no photos yet, a few real landscape photos of the Debian
+# package mate-backgrounds are copied into its photo folder (inside build/wineprefix only).
 #
 # It runs on your own X display when DISPLAY is set and works, else on a virtual two-monitor
 # display. LUMIVANE_VIRTUAL_DISPLAY=1 forces the virtual one. LUMIVANE_SHOTS (default 4) and
@@ -10,11 +16,16 @@
 set -euo pipefail
 
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+SHOW="${LUMIVANE_SHOW:-fader}"
+if [ "${1:-}" = --show ]; then
+  SHOW="${2:?--show needs a presentation}"
+  shift 2
+fi
 SHOTS_DIR="${1:-$PWD/screenshots}"
 mkdir -p "$SHOTS_DIR"
 SHOTS_DIR="$(cd "$SHOTS_DIR" && pwd)"
 
-bash "$ROOT/scripts/install-deps.sh" </dev/null
+bash "$ROOT/scripts/install-deps.sh" mate-backgrounds </dev/null
 
 echo "run.sh: building Lumivane.scr"
 cmake -S "$ROOT" -B "$ROOT/build/win" -G Ninja \
@@ -33,13 +44,30 @@ fi
 
 windows_path() { echo "Z:${1//\//\\}"; }
 
+# The photo directory of the run: the prefix user's Documents, a plain folder of the prefix (see
+# wine-env.sh). Photos are only ever added, and only when the folder holds none.
+documents="$WINEPREFIX/drive_c/users/$(id -un)/Documents"
+photos="$documents/Lumivane/Lumivane ScreenSaver"
+if [ -L "$documents" ]; then
+  echo "run.sh: $documents links out of the prefix; not adding photos there" >&2
+elif ! compgen -G "$photos/*.[jJ][pP][gG]" >/dev/null; then
+  mkdir -p "$photos"
+  # The caption is the file name less its last 13 characters.
+  for name in Dune Storm Garden Wood TwoWings; do
+    file="/usr/share/backgrounds/mate/nature/$name.jpg"
+    [ -f "$file" ] && cp -n "$file" "$photos/$name-mate0000.jpg"
+  done
+  echo "run.sh: no photos yet; copied a few from mate-backgrounds into $photos"
+fi
+
 rm -f "$SHOTS_DIR"/shot-*.png
-echo "run.sh: running Lumivane.scr /s on $DISPLAY"
-# The end-to-end driver starts the saver, takes the screenshots with GDI, and ends the run with
-# a key press, as a user would.
+echo "run.sh: running Lumivane.scr /s ($SHOW) on $DISPLAY"
+# The end-to-end driver sets the options, starts the saver, takes the screenshots with GDI, and
+# ends the run with a key press, as a user would.
 (cd "$ROOT/build/win/tests" &&
   "$LUMIVANE_WINE64" ./lumivane_e2e.exe \
     --scr "$(windows_path "$ROOT/build/win/Lumivane.scr")" \
+    --set "SaverShow=$SHOW" --set "SaverPause=${LUMIVANE_PAUSE:-}" --set "ImportsDir=C:\\users\\$(id -un)\\Documents" \
     --capture "$(windows_path "$SHOTS_DIR")" \
     --shots "${LUMIVANE_SHOTS:-4}" --interval "${LUMIVANE_SHOT_INTERVAL_MS:-2000}" </dev/null)
 

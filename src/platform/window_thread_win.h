@@ -4,7 +4,7 @@
 
 // The window thread's services on Windows: the performance counter, the thread's message queue,
 // MsgWaitForMultipleObjects, ShowWindow and Direct2D window targets.
-class Win32WindowThread final : public WindowThread {
+class Win32WindowThread : public WindowThread {
 public:
     int64_t CounterFrequency() override;
     int64_t Counter() override;

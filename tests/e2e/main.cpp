@@ -6,6 +6,7 @@
 //                        the key with exit code 0 (it is terminated)
 //   --shots <n>          how many screenshots (default 4)
 //   --interval <ms>      time before each of them (default 2000)
+//   --set <name>=<text>  writes the string option <name> of the saver first (SaverShow=slider)
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <shellapi.h>
@@ -14,6 +15,7 @@
 #include <string>
 
 #include "e2e/files.h"
+#include "e2e/saver_registry.h"
 #include "e2e/saver_test.h"
 #include "e2e/screen.h"
 
@@ -61,6 +63,8 @@ int main() {
         else if (option == L"--capture") folder = value;
         else if (option == L"--shots") shots = _wtoi(value.c_str());
         else if (option == L"--interval") intervalMs = static_cast<DWORD>(_wtoi(value.c_str()));
+        else if (const size_t equals = value.find(L'='); option == L"--set" && equals != value.npos)
+            e2e::saver_registry::WriteString(value.substr(0, equals).c_str(), value.substr(equals + 1));
         else {
             std::fprintf(stderr, "unknown option %ls\n", argv[i]);
             return 2;
