@@ -4,6 +4,8 @@
 //                        as shot-1.png, shot-2.png, ..., then ends the run with a key press
 //   --shots <n>          how many screenshots (default 4)
 //   --interval <ms>      time before each of them (default 2000)
+//   --settings           no tests: stands in for the companion program, Lumivane.exe: writes
+//                        its command line into started.txt beside itself and ends
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <shellapi.h>
@@ -46,6 +48,12 @@ int Capture(const std::wstring& folder, int shots, DWORD intervalMs) {
 int main() {
     int argc = 0;
     wchar_t** argv = CommandLineToArgvW(GetCommandLineW(), &argc);
+    if (argc == 2 && std::wstring(argv[1]) == L"--settings") {
+        const std::wstring self = e2e::DriverPath();
+        std::FILE* file = _wfopen((self.substr(0, self.rfind(L'\\') + 1) + L"started.txt").c_str(), L"w");
+        if (file) std::fprintf(file, "%ls", GetCommandLineW());
+        return file && std::fclose(file) == 0 ? 0 : 1;
+    }
     ::testing::InitGoogleTest(&argc, argv); // takes the --gtest_ options out of argv
     std::wstring folder;
     int shots = 4;

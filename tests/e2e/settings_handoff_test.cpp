@@ -1,0 +1,65 @@
+// /c hands the user over: to the tray window, else to Lumivane.exe beside the saver, else to a
+// message box in the user's language.
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+#include "e2e/driver_window.h"
+#include "e2e/files.h"
+#include "e2e/saver_registry.h"
+#include "e2e/saver_test.h"
+#include "e2e/screen.h"
+
+namespace e2e {
+namespace {
+
+// A tray window runs; Lumivane.exe lies beside the saver.
+struct Handoff {
+    const char* name;
+    bool tray, companion;
+};
+class HandoffTest : public SaverTest, public ::testing::WithParamInterface<Handoff> {};
+
+TEST_P(HandoffTest, GoesToTheTrayElseStartsTheCompanionElseShowsTheBox) {
+    const auto [name, tray, companion] = GetParam();
+    // The saver as a user installed it, alone or with the companion program: the driver, which
+    // then only writes down how it was started.
+    const std::wstring folder = FreshFolder(L"handoff") + L"\\", record = folder + L"started.txt";
+    ASSERT_TRUE(CopyFileW(SaverPath().c_str(), (folder + L"Lumivane.scr").c_str(), FALSE));
+    if (companion) ASSERT_TRUE(CopyFileW(DriverPath().c_str(), (folder + L"Lumivane.exe").c_str(), FALSE));
+    saver_registry::WriteString(L"Language", L"de");
+    std::optional<DriverWindow> trayWindow;
+    if (tray) trayWindow.emplace(FakeTrayOptions());
+    const int requests = SettingsRequests();
+
+    Start(L"/c", folder + L"Lumivane.scr");
+    HWND box = nullptr;
+    WaitUntil([&] { return (box = FindWindowW(L"#32770", L"Lumivane")) || !Saver().Running(); }, kWindowsMs);
+    ASSERT_EQ(box != nullptr, !tray && !companion) << "a message box";
+    if (box) {
+        Sleep(kSettleMs);
+        CaptureDesktopAs(L"settings-box");
+        std::wstring texts; // of the box's children
+        EnumChildWindows(box, [](HWND child, LPARAM all) {
+            wchar_t text[512] = {};
+            return reinterpret_cast<std::wstring*>(all)->append(text, GetWindowTextW(child, text, 512)).append(L"|"), TRUE;
+        }, reinterpret_cast<LPARAM>(&texts));
+        EXPECT_NE(texts.find(L"|Öffnen Sie Lumivane, um die Einstellungen des Bildschirmschoners zu ändern.|"),
+                  std::wstring::npos) << testing::PrintToString(texts);
+        PostMessageW(box, WM_COMMAND, IDOK, 0);
+    }
+    ExpectExitZero();
+    const bool started = !tray && companion;
+    WaitUntil([&] { return ReadFileBytes(record).has_value(); }, started ? kWindowsMs : kSettleMs);
+    EXPECT_NE(ReadFileBytes(record).value_or("none").find(started ? " --settings" : "none"), std::string::npos);
+    EXPECT_EQ(SettingsRequests() - requests, tray ? 1 : 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Settings, HandoffTest,
+                         ::testing::Values(Handoff{"TrayAndCompanion", true, true},
+                                           Handoff{"CompanionOnly", false, true}, Handoff{"Neither", false, false}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+} // namespace
+} // namespace e2e
