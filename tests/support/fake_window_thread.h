@@ -49,9 +49,8 @@ public:
     // A loaded "bitmap" is a heap copy of its path, so a leak or a double free shows under ASan.
     bool DecodeBitmap(const std::wstring& path, int32_t, int32_t, bool, PlatformObject& bitmap) override {
         loads.push_back(path);
-        if (unreadable.count(path)) return false;
-        bitmap = PlatformObject(new std::wstring(path), [](void* p) { delete static_cast<std::wstring*>(p); });
-        return true;
+        if (!unreadable.count(path)) bitmap = PlatformObject(new std::wstring(path), [](void* p) { delete (std::wstring*)p; });
+        return !unreadable.count(path);
     }
 
     // Moves the counter by `milliseconds`.
