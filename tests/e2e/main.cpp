@@ -50,7 +50,8 @@ int main() {
     wchar_t** argv = CommandLineToArgvW(GetCommandLineW(), &argc);
     if (argc == 2 && std::wstring(argv[1]) == L"--settings") {
         const std::wstring self = e2e::DriverPath();
-        std::FILE* file = _wfopen((self.substr(0, self.rfind(L'\\') + 1) + L"started.txt").c_str(), L"w");
+        const std::wstring record = self.substr(0, self.rfind(L'\\') + 1) + L"started.txt";
+        std::FILE* file = _wfopen(record.c_str(), L"w");
         if (file) std::fprintf(file, "%ls", GetCommandLineW());
         return file && std::fclose(file) == 0 ? 0 : 1;
     }

@@ -78,9 +78,9 @@ protected:
     SaverProcess& Start(const std::wstring& arguments, const std::wstring& program = SaverPath());
     // The saver started last.
     SaverProcess& Saver() { return *savers.back(); }
-    // Starts `/s` (of `program`) with the cursor at kRestingCursor and waits for one window per monitor. The
-    // run's first mouse move only records the position; it is made here, so that the recorded
-    // position is kRestingCursor whether or not the system sent a move of its own.
+    // Starts `/s` (of `program`) with the cursor at kRestingCursor and waits for one window per
+    // monitor. The run's first mouse move only records the position; it is made here, so that
+    // the recorded position is kRestingCursor whether or not the system sent a move of its own.
     std::vector<HWND> StartFullScreen(const std::wstring& program = SaverPath());
     // Expects the run to end with exit code 0 within kExitMs.
     void ExpectExitZero();

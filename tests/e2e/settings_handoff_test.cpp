@@ -27,7 +27,8 @@ TEST_P(HandoffTest, GoesToTheTrayElseStartsTheCompanionElseShowsTheBox) {
     // then only writes down how it was started.
     const std::wstring folder = FreshFolder(L"handoff") + L"\\", record = folder + L"started.txt";
     ASSERT_TRUE(CopyFileW(SaverPath().c_str(), (folder + L"Lumivane.scr").c_str(), FALSE));
-    if (companion) ASSERT_TRUE(CopyFileW(DriverPath().c_str(), (folder + L"Lumivane.exe").c_str(), FALSE));
+    if (companion)
+        ASSERT_TRUE(CopyFileW(DriverPath().c_str(), (folder + L"Lumivane.exe").c_str(), FALSE));
     saver_registry::WriteString(L"Language", L"de");
     std::optional<DriverWindow> trayWindow;
     if (tray) trayWindow.emplace(FakeTrayOptions());
@@ -35,30 +36,37 @@ TEST_P(HandoffTest, GoesToTheTrayElseStartsTheCompanionElseShowsTheBox) {
 
     Start(L"/c", folder + L"Lumivane.scr");
     HWND box = nullptr;
-    WaitUntil([&] { return (box = FindWindowW(L"#32770", L"Lumivane")) || !Saver().Running(); }, kWindowsMs);
+    WaitUntil([&] { return (box = FindWindowW(L"#32770", L"Lumivane")) || !Saver().Running(); },
+              kWindowsMs);
     ASSERT_EQ(box != nullptr, !tray && !companion) << "a message box";
     if (box) {
         Sleep(kSettleMs);
         CaptureDesktopAs(L"settings-box");
-        std::wstring texts; // of the box's children
-        EnumChildWindows(box, [](HWND child, LPARAM all) {
+        std::wstring texts = L"|"; // of the box's children, each followed by "|"
+        const WNDENUMPROC collect = [](HWND child, LPARAM all) {
             wchar_t text[512] = {};
-            return reinterpret_cast<std::wstring*>(all)->append(text, GetWindowTextW(child, text, 512)).append(L"|"), TRUE;
-        }, reinterpret_cast<LPARAM>(&texts));
-        EXPECT_NE(texts.find(L"|Öffnen Sie Lumivane, um die Einstellungen des Bildschirmschoners zu ändern.|"),
-                  std::wstring::npos) << testing::PrintToString(texts);
+            const int length = GetWindowTextW(child, text, 512);
+            reinterpret_cast<std::wstring*>(all)->append(text, length).append(L"|");
+            return TRUE;
+        };
+        EnumChildWindows(box, collect, reinterpret_cast<LPARAM>(&texts));
+        const std::wstring expected =
+            L"|Öffnen Sie Lumivane, um die Einstellungen des Bildschirmschoners zu ändern.|";
+        EXPECT_NE(texts.find(expected), std::wstring::npos) << testing::PrintToString(texts);
         PostMessageW(box, WM_COMMAND, IDOK, 0);
     }
     ExpectExitZero();
     const bool started = !tray && companion;
     WaitUntil([&] { return ReadFileBytes(record).has_value(); }, started ? kWindowsMs : kSettleMs);
-    EXPECT_NE(ReadFileBytes(record).value_or("none").find(started ? " --settings" : "none"), std::string::npos);
+    EXPECT_NE(ReadFileBytes(record).value_or("none").find(started ? " --settings" : "none"),
+              std::string::npos);
     EXPECT_EQ(SettingsRequests() - requests, tray ? 1 : 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Settings, HandoffTest,
                          ::testing::Values(Handoff{"TrayAndCompanion", true, true},
-                                           Handoff{"CompanionOnly", false, true}, Handoff{"Neither", false, false}),
+                                           Handoff{"CompanionOnly", false, true},
+                                           Handoff{"Neither", false, false}),
                          [](const auto& info) { return std::string(info.param.name); });
 
 } // namespace

@@ -47,10 +47,13 @@ public:
         return makeTarget ? makeTarget(window, primary) : nullptr;
     }
     // A loaded "bitmap" is a heap copy of its path, so a leak or a double free shows under ASan.
-    bool DecodeBitmap(const std::wstring& path, int32_t, int32_t, bool, PlatformObject& bitmap) override {
+    bool DecodeBitmap(const std::wstring& path, int32_t, int32_t, bool,
+                      PlatformObject& bitmap) override {
         loads.push_back(path);
-        if (!unreadable.count(path)) bitmap = PlatformObject(new std::wstring(path), [](void* p) { delete (std::wstring*)p; });
-        return !unreadable.count(path);
+        if (unreadable.count(path)) return false;
+        const auto free = [](void* held) { delete static_cast<std::wstring*>(held); };
+        bitmap = PlatformObject(new std::wstring(path), free);
+        return true;
     }
 
     // Moves the counter by `milliseconds`.
