@@ -6,6 +6,15 @@
 
 namespace {
 
+// The no-photos text after a start with `value` of Language (null: none) on a system whose
+// language identifier is `system` (its primary language in the low 10 bits).
+std::wstring TextFor(const wchar_t* value, uint16_t system) {
+    TestRegistry() = {};
+    if (value) TestRegistry().PutString(L"Language", value);
+    StringTable::Init(system);
+    return StringTable::Get(kNoPhotosText);
+}
+
 TEST(StringTable, LanguageValueMatchesExactlyElseTheSystemsPrimaryLanguageDecides) {
     const std::wstring de = L"Lumivane hat noch keine Fotos. Öffnen Sie es über den Infobereich, "
                             L"um sich anzumelden.",
@@ -14,16 +23,14 @@ TEST(StringTable, LanguageValueMatchesExactlyElseTheSystemsPrimaryLanguageDecide
                        pt = L"O Lumivane ainda não tem fotos. Abra-o a partir da área de "
                             L"notificação para iniciar sessão.",
                        en = kNoPhotosText;
-    // Language (null: none), the system's language identifier (primary language in the low 10
-    // bits).
     const std::tuple<const wchar_t*, uint16_t, std::wstring> cases[] = {
         {L"de", 0x0411, de}, {L"DE", 0x0409, en},   {L"DE", 0x0407, de}, {L"de-DE", 0x040C, fr},
         {L"en", 0x0407, en}, {nullptr, 0x0416, pt}, {L"", 0x0816, pt},   {nullptr, 0x0411, en}};
-    for (const auto& [value, system, expected] : cases) {
-        TestRegistry() = {};
-        if (value) TestRegistry().PutString(L"Language", value);
-        StringTable::Init(system);
-        EXPECT_EQ(StringTable::Get(kNoPhotosText), expected) << system;
+    for (const auto& [value, system, expected] : cases)
+        EXPECT_EQ(TextFor(value, system), expected) << system;
+    for (auto [code, system] : {std::pair{L"es", 0x0C0A}, {L"it", 0x0810}, {L"nl", 0x0813}}) {
+        const std::wstring text = TextFor(code, 0x0409);
+        EXPECT_TRUE(text != en && TextFor(nullptr, uint16_t(system)) == text) << code;
     }
     // A key that isn't in the table gives itself, the same element each time.
     const std::wstring& missing = StringTable::Get(L"No such text");
