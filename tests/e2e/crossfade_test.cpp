@@ -49,7 +49,7 @@ TEST_F(SaverTest, WithoutPhotosEveryMonitorShowsTheMessageInTheUsersLanguage) {
     saver_registry::WriteString(L"ImportsDir", FreshFolder(L"no-photos"));
     saver_registry::WriteString(L"Language", L"de");
     StartFullScreen();
-    Sleep(kSettleMs);
+    Sleep(1500);
     const Image shot = CaptureDesktopAs(L"no-photos-de");
     for (const RECT& monitor : MonitorRects())
         ExpectCaption(shot, monitor,
@@ -101,12 +101,12 @@ TEST_F(SaverTest, WithoutDirect2DPhotosCrossfadeAtThePauseOfSaverPauseWithTheirC
             }
             return Near(pixel, kBlue) && (fadeEnd = now);
         },
-        15000, 20);
+        20000, 20);
     ASSERT_NE(fadeEnd, 0u) << "no change to the next photo";
     std::printf("fade began %llu ms after the windows showed and took %llu ms\n", fadeStart - shown,
                 fadeEnd - fadeStart);
-    EXPECT_TRUE(fadeStart - shown >= 5000 && fadeStart - shown <= 8000)
-        << "the period of SaverPause 0 is 6 s";
+    // 6 s for SaverPause "0" (the default would be 13 s), a little later on a loaded machine.
+    EXPECT_TRUE(fadeStart - shown >= 5000 && fadeStart - shown <= 10000) << fadeStart - shown;
     // A cut would end the change as soon as it began.
     EXPECT_GE(fadeEnd - fadeStart, 2000u) << "a fade takes 100 ticks of 30 ms";
     shot = CaptureDesktopAs(L"crossfade-3-next");
