@@ -22,19 +22,21 @@ struct Handoff {
 class HandoffTest : public SaverTest, public ::testing::WithParamInterface<Handoff> {};
 
 TEST_P(HandoffTest, GoesToTheTrayElseStartsTheCompanionElseShowsTheBox) {
-    const auto [name, tray, companion] = GetParam();
+    const auto [name, tray, companion] = GetParam(); // the name is gtest's
     // The saver as a user installed it, alone or with the companion program: the driver, which
-    // then only writes down how it was started.
-    const std::wstring folder = FreshFolder(L"handoff") + L"\\", record = folder + L"started.txt";
-    ASSERT_TRUE(CopyFileW(SaverPath().c_str(), (folder + L"Lumivane.scr").c_str(), FALSE));
+    // then only writes down how it was started. A folder per case: a companion that is still
+    // ending keeps its file from being deleted.
+    const std::wstring folder = FreshFolder(L"handoff-" + std::to_wstring(tray * 2 + companion));
+    const std::wstring saver = folder + L"\\Lumivane.scr", record = folder + L"\\started.txt";
+    ASSERT_TRUE(CopyFileW(SaverPath().c_str(), saver.c_str(), FALSE) && !ReadFileBytes(record));
     if (companion)
-        ASSERT_TRUE(CopyFileW(DriverPath().c_str(), (folder + L"Lumivane.exe").c_str(), FALSE));
+        ASSERT_TRUE(CopyFileW(DriverPath().c_str(), (folder + L"\\Lumivane.exe").c_str(), FALSE));
     saver_registry::WriteString(L"Language", L"de");
     std::optional<DriverWindow> trayWindow;
     if (tray) trayWindow.emplace(FakeTrayOptions());
     const int requests = SettingsRequests();
 
-    Start(L"/c", folder + L"Lumivane.scr");
+    Start(L"/c", saver);
     HWND box = nullptr;
     WaitUntil([&] { return (box = FindWindowW(L"#32770", L"Lumivane")) || !Saver().Running(); },
               kWindowsMs);
