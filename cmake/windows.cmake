@@ -12,7 +12,7 @@ file(GLOB LUMIVANE_PLATFORM_SOURCES CONFIGURE_DEPENDS src/platform/*.cpp)
 list(FILTER LUMIVANE_PLATFORM_SOURCES EXCLUDE REGEX "main_win\\.cpp$")
 add_library(lumivane_platform STATIC ${LUMIVANE_PLATFORM_SOURCES})
 target_link_libraries(lumivane_platform PUBLIC lumivane_logic
-    user32 gdi32 ole32 shell32 advapi32 uuid windowscodecs msimg32)
+    user32 gdi32 ole32 shell32 advapi32 uuid windowscodecs)
 target_compile_options(lumivane_platform PRIVATE -Wall -Wextra)
 # The logic calls functions that the platform layer defines (RandomU32, DecodeScaled, ...): the
 # two archives depend on each other, and CMake repeats them on the link line.

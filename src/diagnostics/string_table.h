@@ -1,12 +1,24 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
-// Texts in the language of the process.
-//
-// Stand-in until the localised strings land: Init chooses nothing and Get gives the English key
-// itself, the answer for a language without a table. A later issue replaces the bodies.
+// The English texts that this program shows; each is also its own key in the table.
+inline constexpr wchar_t kNoPhotosText[] =
+    L"Lumivane has no photos yet. Open it from the system tray to sign in.";
+inline constexpr wchar_t kOpenSettingsText[] =
+    L"Open Lumivane to change the screen saver's settings.";
+
+// Texts in the language of the process. A call site names the English text and gets it back
+// whenever nothing better is known, so a missing translation never leaves an empty place.
 struct StringTable {
+    // Chooses the language once, on the first thread, before any Get: the value Language when it
+    // is exactly one of "en", "de", "es", "fr", "it", "nl", "pt", else the system's user
+    // interface language. Asks the system (src/platform/), then calls the one below.
     static void Init();
-    static std::wstring Get(const std::wstring& key);
+    // The same with the system's language identifier given; only its primary language counts.
+    static void Init(uint16_t systemLanguage);
+    // The text of `key` in the process's language, or `key` itself; the reference stays valid to
+    // the end of the process, and asking twice gives the same string. Any thread may call it.
+    static const std::wstring& Get(const std::wstring& key);
 };

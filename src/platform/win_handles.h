@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <objbase.h>
+
 #include <utility>
 
 // Owners of the Windows resources that the platform layer takes. Each frees what it holds and
@@ -46,6 +48,55 @@ public:
 private:
     HWND hwnd;
     HDC dc;
+};
+
+// A memory DC from CreateCompatibleDC, deleted with DeleteDC.
+class MemoryDc {
+public:
+    explicit MemoryDc(HDC compatibleWith) : dc(CreateCompatibleDC(compatibleWith)) {}
+    ~MemoryDc() {
+        if (dc) DeleteDC(dc);
+    }
+    MemoryDc(const MemoryDc&) = delete;
+    MemoryDc& operator=(const MemoryDc&) = delete;
+    HDC Get() const { return dc; }
+
+private:
+    HDC dc;
+};
+
+// A GDI object (font, bitmap, brush) of our own, deleted with DeleteObject. Declare it before
+// the SelectedObject that puts it into a DC, so that it is deselected before it is deleted.
+class GdiObject {
+public:
+    explicit GdiObject(HGDIOBJ value) : object(value) {}
+    ~GdiObject() {
+        if (object) DeleteObject(object);
+    }
+    GdiObject(const GdiObject&) = delete;
+    GdiObject& operator=(const GdiObject&) = delete;
+    HGDIOBJ Get() const { return object; }
+
+private:
+    HGDIOBJ object;
+};
+
+// An object selected into a DC for a scope; the DC's earlier object is selected back at its end.
+class SelectedObject {
+public:
+    SelectedObject(HDC target, HGDIOBJ object)
+        : dc(target), previous(object ? SelectObject(target, object) : nullptr) {}
+    ~SelectedObject() {
+        if (previous && previous != HGDI_ERROR) SelectObject(dc, previous);
+    }
+    SelectedObject(const SelectedObject&) = delete;
+    SelectedObject& operator=(const SelectedObject&) = delete;
+    // False when nothing was selected (no object, or the DC refused it).
+    bool Selected() const { return previous && previous != HGDI_ERROR; }
+
+private:
+    HDC dc;
+    HGDIOBJ previous;
 };
 
 // A COM apartment of this thread, left again only if entering it succeeded (S_FALSE included).

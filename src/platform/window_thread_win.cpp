@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "platform/d2d_surface_win.h"
+#include "platform/image_decoder_win.h"
 #include "platform/win_handles.h"
 
 int64_t Win32WindowThread::CounterFrequency() {
@@ -63,4 +64,15 @@ std::unique_ptr<DrawingSurface> Win32WindowThread::CreateWindowTarget(
     bool primary) {
     if (!factories) return nullptr;
     return CreateHwndSurface(*factories, static_cast<HWND>(window), width, height, primary);
+}
+
+bool Win32WindowThread::DecodeBitmap(const std::wstring& path, int32_t width, int32_t height,
+                                   bool cover, PlatformObject& bitmap) {
+    HBITMAP held = static_cast<HBITMAP>(bitmap.get());
+    if (!LoadDib(path, width, height, cover, held)) return false;
+    // LoadDib has deleted the bitmap that it replaced: the holder lets go of it unfreed and
+    // takes the new one.
+    bitmap.release();
+    bitmap = PlatformObject(held, DeleteGdiObject);
+    return true;
 }

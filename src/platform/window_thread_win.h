@@ -3,7 +3,7 @@
 #include "session/window_thread.h"
 
 // The window thread's services on Windows: the performance counter, the thread's message queue,
-// MsgWaitForMultipleObjects, ShowWindow and Direct2D window targets.
+// MsgWaitForMultipleObjects, ShowWindow, Direct2D window targets and the crossfade's bitmaps.
 class Win32WindowThread : public WindowThread {
 public:
     int64_t CounterFrequency() override;
@@ -18,4 +18,7 @@ public:
     std::unique_ptr<DrawingSurface> CreateWindowTarget(const DrawingFactories* factories,
                                                        WindowHandle window, int32_t width,
                                                        int32_t height, bool primary) override;
+    // LoadDib, with the window's bitmap holder in place of a bare HBITMAP.
+    bool DecodeBitmap(const std::wstring& path, int32_t width, int32_t height, bool cover,
+                    PlatformObject& bitmap) override;
 };

@@ -15,9 +15,6 @@
 
 struct SaverSession;
 
-// A platform object that the logic holds but never opens (a GDI bitmap); its deleter frees it.
-using PlatformObject = std::unique_ptr<void, void (*)(void*)>;
-
 // One monitor's window (or the one child window of a preview pane) with all that draws into it.
 // The fields are declared in the order in which they are set up, so that destruction runs the
 // other way round: effect, source, layer, target, the captions, then the back, next and current
@@ -34,6 +31,19 @@ struct ScreenWindow {
     // Crossfade: the next tick of a fade (timer 2), and the painting of the window by GDI.
     void FadeStep();
     void PaintCrossfade(void* dc);
+    // Loads the photo at `cursor` into `bitmap` (the current or the next one) and its caption into
+    // `caption`. A photo that fails has used its turn: the next is tried, up to 10 photos and at
+    // most each photo once. False when none could be loaded; the pair is then as it was.
+    bool LoadNext(PlatformObject& bitmap, std::wstring& caption);
+    // At a period tick: a still window of a list of 2 or more photos loads the next one and starts
+    // fading (fadeStep 1); true when it did, and the fade's timer is then to be started.
+    bool StartFade();
+    // One tick of a fade; after the last, the next photo and caption become the current ones and
+    // the window is still again. True when the fade has ended and its timer is to be stopped.
+    bool AdvanceFade();
+    // The text under the photo: the current caption up to step 50 of a fade, the next one from
+    // step 51 on; with no photos at all, the message that says so, in the user's language.
+    std::wstring CrossfadeCaption() const;
 
     SaverSession* session;
     WindowHandle hwnd = nullptr;

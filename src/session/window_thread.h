@@ -2,9 +2,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "effects/drawing_surface.h"
 #include "session/saver_mode.h"
+
+// A platform object that the logic holds but never opens (a GDI bitmap); its deleter frees it.
+using PlatformObject = std::unique_ptr<void, void (*)(void*)>;
 
 // The services of the window thread that the session's logic calls back into: the performance
 // counter, the message queue, the wait for input, hiding windows and making window targets.
@@ -36,4 +40,9 @@ public:
     virtual std::unique_ptr<DrawingSurface> CreateWindowTarget(const DrawingFactories* factories,
                                                                WindowHandle window, int32_t width,
                                                                int32_t height, bool primary) = 0;
+    // Decodes the photo at `path` into a new bitmap of exactly `width` x `height` for the
+    // crossfade, the photo whole (or covering it when `cover`) on black, and on success puts it
+    // into `bitmap` in place of the old one. False leaves `bitmap` alone.
+    virtual bool DecodeBitmap(const std::wstring& path, int32_t width, int32_t height, bool cover,
+                            PlatformObject& bitmap) = 0;
 };

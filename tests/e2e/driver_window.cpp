@@ -1,13 +1,17 @@
 #include "e2e/driver_window.h"
 
+#include <atomic>
 #include <future>
 
 namespace e2e {
 
 namespace {
 
+std::atomic<int> settingsRequests{0};
+
 LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_DESTROY) PostQuitMessage(0);
+    if (message == RegisterWindowMessageW(L"Lumivane.OpenSettings")) ++settingsRequests;
     return DefWindowProcW(hwnd, message, wParam, lParam);
 }
 
@@ -52,5 +56,7 @@ DriverWindow::Options PreviewHostOptions(int width, int height) {
 }
 
 DriverWindow::Options FakeTrayOptions() { return {L"LumivaneTray", WS_OVERLAPPED, 0, 0, false}; }
+
+int SettingsRequests() { return settingsRequests; }
 
 } // namespace e2e

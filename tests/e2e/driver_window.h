@@ -38,5 +38,7 @@ private:
 DriverWindow::Options PreviewHostOptions(int width, int height);
 // The companion's tray window as the saver looks for it: hidden, of class "LumivaneTray".
 DriverWindow::Options FakeTrayOptions();
+// How many "Lumivane.OpenSettings" messages the driver's windows have received so far.
+int SettingsRequests();
 
 } // namespace e2e

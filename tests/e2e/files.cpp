@@ -3,6 +3,7 @@
 #include <shlobj.h>
 #include <wincodec.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <vector>
@@ -20,6 +21,14 @@ std::optional<std::string> ReadFileBytes(const std::wstring& path) {
 bool MakeFolders(const std::wstring& path) {
     const int result = SHCreateDirectoryExW(nullptr, path.c_str(), nullptr);
     return result == ERROR_SUCCESS || result == ERROR_ALREADY_EXISTS;
+}
+
+std::wstring FreshFolder(const std::wstring& name) {
+    const auto folder = std::filesystem::temp_directory_path() / L"lumivane-e2e" / name;
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+    std::filesystem::create_directories(folder, ignored);
+    return folder.wstring();
 }
 
 std::wstring KnownFolder(const GUID& id) {

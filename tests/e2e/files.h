@@ -12,6 +12,8 @@ namespace e2e {
 std::optional<std::string> ReadFileBytes(const std::wstring& path);
 // Makes `path` and every missing folder above it.
 bool MakeFolders(const std::wstring& path);
+// An empty folder of the driver's own, %TEMP%\lumivane-e2e\<name>, cleared of an earlier run.
+std::wstring FreshFolder(const std::wstring& name);
 // A known folder such as FOLDERID_LocalAppData, without a trailing backslash.
 std::wstring KnownFolder(const GUID& id);
 // Writes a `width` x `height` JPEG of one colour (0xRRGGBB).

@@ -7,6 +7,8 @@
 //   --shots <n>          how many screenshots (default 4)
 //   --interval <ms>      time before each of them (default 2000)
 //   --set <name>=<text>  writes the string option <name> of the saver first (SaverShow=slider)
+//   --settings           no tests: stands in for the companion program, Lumivane.exe: writes
+//                        its command line into started.txt beside itself and ends
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <shellapi.h>
@@ -49,6 +51,13 @@ int Capture(const std::wstring& folder, int shots, DWORD intervalMs) {
 int main() {
     int argc = 0;
     wchar_t** argv = CommandLineToArgvW(GetCommandLineW(), &argc);
+    if (argc == 2 && std::wstring(argv[1]) == L"--settings") {
+        const std::wstring self = e2e::DriverPath();
+        const std::wstring record = self.substr(0, self.rfind(L'\\') + 1) + L"started.txt";
+        std::FILE* file = _wfopen(record.c_str(), L"w");
+        if (file) std::fprintf(file, "%ls", GetCommandLineW());
+        return file && std::fclose(file) == 0 ? 0 : 1;
+    }
     ::testing::InitGoogleTest(&argc, argv); // takes the --gtest_ options out of argv
     std::wstring folder;
     int shots = 4;

@@ -13,9 +13,13 @@ void SetSaverPath(const std::wstring& path) { chosenPath = path; }
 std::wstring SaverPath() {
     if (!chosenPath.empty()) return chosenPath;
     if (const wchar_t* path = _wgetenv(L"LUMIVANE_SCR"); path && *path) return path;
-    wchar_t driver[MAX_PATH] = {};
-    const std::wstring own(driver, GetModuleFileNameW(nullptr, driver, MAX_PATH));
+    const std::wstring own = DriverPath();
     return own.substr(0, own.find_last_of(L'\\') + 1) + L"..\\Lumivane.scr";
+}
+
+std::wstring DriverPath() {
+    wchar_t driver[MAX_PATH] = {};
+    return std::wstring(driver, GetModuleFileNameW(nullptr, driver, MAX_PATH));
 }
 
 SaverProcess::~SaverProcess() {
@@ -26,8 +30,8 @@ SaverProcess::~SaverProcess() {
     if (process) CloseHandle(process);
 }
 
-bool SaverProcess::Start(const std::wstring& arguments) {
-    std::wstring commandLine = L"\"" + SaverPath() + L"\" " + arguments;
+bool SaverProcess::Start(const std::wstring& arguments, const std::wstring& program) {
+    std::wstring commandLine = L"\"" + program + L"\" " + arguments;
     STARTUPINFOW startup{sizeof startup};
     PROCESS_INFORMATION info{};
     if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
@@ -93,19 +97,19 @@ void SaverTest::SetUp() {
     SetCursorPos(kRestingCursor.x, kRestingCursor.y);
 }
 
-SaverProcess& SaverTest::Start(const std::wstring& arguments) {
+SaverProcess& SaverTest::Start(const std::wstring& arguments, const std::wstring& program) {
     savers.push_back(std::make_unique<SaverProcess>());
-    if (!savers.back()->Start(arguments)) {
+    if (!savers.back()->Start(arguments, program)) {
         const DWORD error = GetLastError();
-        ADD_FAILURE() << "can't start " << testing::PrintToString(SaverPath()) << ": " << error;
+        ADD_FAILURE() << "can't start " << testing::PrintToString(program) << ": " << error;
     }
     return *savers.back();
 }
 
-std::vector<HWND> SaverTest::StartFullScreen() {
+std::vector<HWND> SaverTest::StartFullScreen(const std::wstring& program) {
     SetCursorPos(kRestingCursor.x, kRestingCursor.y);
     const size_t monitors = MonitorRects().size();
-    std::vector<HWND> windows = WaitForSaverWindows(Start(L"/s").Id(), nullptr, monitors);
+    std::vector<HWND> windows = WaitForSaverWindows(Start(L"/s", program).Id(), nullptr, monitors);
     EXPECT_EQ(windows.size(), monitors) << "one window per monitor";
     // Sent, not posted: it returns once the window procedure has run, so no later input can
     // overtake it. The saver reads GetCursorPos, not lParam.

@@ -34,6 +34,8 @@ bool WaitUntil(Predicate done, DWORD timeoutMs, DWORD pollMs = 5) {
 
 // Lumivane.scr: `--scr <path>` of the driver, else LUMIVANE_SCR, else one folder above the driver.
 std::wstring SaverPath();
+// The driver's own program file.
+std::wstring DriverPath();
 void SetSaverPath(const std::wstring& path);
 
 // One started saver; whatever still runs when the object goes away is terminated.
@@ -44,8 +46,8 @@ public:
     SaverProcess& operator=(const SaverProcess&) = delete;
     ~SaverProcess();
 
-    // Starts the saver with `arguments` behind its quoted path; false if that failed.
-    bool Start(const std::wstring& arguments);
+    // Starts the saver (or `program`) with `arguments` behind its quoted path; false on failure.
+    bool Start(const std::wstring& arguments, const std::wstring& program = SaverPath());
     bool Running() const;
     // The exit code once the process has ended within `timeoutMs`, nothing otherwise.
     std::optional<DWORD> WaitForExit(DWORD timeoutMs);
@@ -73,13 +75,13 @@ protected:
     void SetUp() override;
 
     // Starts Lumivane.scr with `arguments`; the test fails when it can't be started.
-    SaverProcess& Start(const std::wstring& arguments);
+    SaverProcess& Start(const std::wstring& arguments, const std::wstring& program = SaverPath());
     // The saver started last.
     SaverProcess& Saver() { return *savers.back(); }
-    // Starts `/s` with the cursor at kRestingCursor and waits for one window per monitor. The
-    // run's first mouse move only records the position; it is made here, so that the recorded
-    // position is kRestingCursor whether or not the system sent a move of its own.
-    std::vector<HWND> StartFullScreen();
+    // Starts `/s` (of `program`) with the cursor at kRestingCursor and waits for one window per
+    // monitor. The run's first mouse move only records the position; it is made here, so that
+    // the recorded position is kRestingCursor whether or not the system sent a move of its own.
+    std::vector<HWND> StartFullScreen(const std::wstring& program = SaverPath());
     // Expects the run to end with exit code 0 within kExitMs.
     void ExpectExitZero();
 

@@ -82,4 +82,13 @@ bool SavePng(const Image& image, const std::wstring& path) {
                       image.height, static_cast<UINT>(image.width) * 4, image.pixels.data());
 }
 
+Image CaptureDesktopAs(const std::wstring& name) {
+    Image shot = CaptureScreen(DesktopRect());
+    const std::wstring driver = DriverPath();
+    const std::wstring folder = driver.substr(0, driver.rfind(L'\\') + 1) + L"captures\\";
+    MakeFolders(folder);
+    SavePng(shot, folder + name + L".png");
+    return shot;
+}
+
 } // namespace e2e

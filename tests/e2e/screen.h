@@ -33,5 +33,7 @@ struct Image {
 // What the screen shows in `rect`, read back with GDI; presented Direct2D output included.
 Image CaptureScreen(const RECT& rect);
 bool SavePng(const Image& image, const std::wstring& path);
+// Captures the whole desktop and keeps it as captures\<name>.png beside the driver, to look at.
+Image CaptureDesktopAs(const std::wstring& name);
 
 } // namespace e2e

@@ -4,6 +4,8 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <set>
+#include <string>
 #include <vector>
 
 #include "session/window_thread.h"
@@ -46,6 +48,15 @@ public:
         targetRequests.push_back({window, width, height, primary});
         return makeTarget ? makeTarget(window, primary) : nullptr;
     }
+    // A loaded "bitmap" is a heap copy of its path, so a leak or a double free shows under ASan.
+    bool DecodeBitmap(const std::wstring& path, int32_t, int32_t, bool,
+                      PlatformObject& bitmap) override {
+        loads.push_back(path);
+        if (unreadable.count(path)) return false;
+        const auto free = [](void* held) { delete static_cast<std::wstring*>(held); };
+        bitmap = PlatformObject(new std::wstring(path), free);
+        return true;
+    }
 
     // Moves the counter by `milliseconds`.
     void Advance(double milliseconds) { counter += static_cast<int64_t>(milliseconds * 1000.0 + 0.5); }
@@ -67,4 +78,6 @@ public:
     };
     std::vector<TargetRequest> targetRequests;
     std::function<std::unique_ptr<DrawingSurface>(WindowHandle, bool)> makeTarget;
+    std::set<std::wstring> unreadable; // paths whose load fails
+    std::vector<std::wstring> loads;   // every path asked for, in order
 };

@@ -10,6 +10,7 @@
 
 #include "photos/image_decoder.h"
 #include "platform/win_handles.h"
+#include "platform/window_thread_win.h"
 #include "win/image_test_files.h"
 
 namespace {
@@ -81,15 +82,17 @@ TEST_F(ImageDecodingTest, ExactKeepsTheProportions) {
     EXPECT_TRUE(Near(photo.pixels.back(), kBlue));
 }
 
+// LoadDib through the window thread's bridge to the window's bitmap holder.
 TEST_F(ImageDecodingTest, DibIsTopDownWithZeroBytesBesideThePhotoAndReplacesTheOld) {
-    HBITMAP bitmap = CreateBitmap(1, 1, 1, 32, nullptr);
-    const HBITMAP old = bitmap;
-    ASSERT_TRUE(LoadDib(folder + L"bands.jpg", 160, 90, false, bitmap));
-    EXPECT_NE(bitmap, old);
+    Win32WindowThread thread;
+    PlatformObject bitmap(CreateBitmap(1, 1, 1, 32, nullptr), DeleteGdiObject);
+    const HGDIOBJ old = bitmap.get();
+    ASSERT_TRUE(thread.DecodeBitmap(folder + L"bands.jpg", 160, 90, false, bitmap));
+    EXPECT_NE(bitmap.get(), old);
     EXPECT_EQ(GetObjectType(old), 0u); // deleted
 
     DIBSECTION dib{};
-    ASSERT_EQ(GetObjectW(bitmap, sizeof dib, &dib), static_cast<int>(sizeof dib));
+    ASSERT_EQ(GetObjectW(bitmap.get(), sizeof dib, &dib), static_cast<int>(sizeof dib));
     EXPECT_EQ(dib.dsBmih.biWidth, 160);
     EXPECT_EQ(dib.dsBm.bmHeight, 90);
     const auto* bits = static_cast<const uint32_t*>(dib.dsBm.bmBits);
@@ -97,10 +100,9 @@ TEST_F(ImageDecodingTest, DibIsTopDownWithZeroBytesBesideThePhotoAndReplacesTheO
     EXPECT_TRUE(Near(bits[5 * 160 + 80], kRed)); // top-down: the first row is the photo's top
     EXPECT_TRUE(Near(bits[85 * 160 + 80], kBlue));
 
-    const HBITMAP kept = bitmap;
-    EXPECT_FALSE(LoadDib(folder + L"text.jpg", 160, 90, false, bitmap));
-    EXPECT_EQ(bitmap, kept);
-    DeleteObject(bitmap);
+    const HGDIOBJ kept = bitmap.get();
+    EXPECT_FALSE(thread.DecodeBitmap(folder + L"text.jpg", 160, 90, false, bitmap));
+    EXPECT_EQ(bitmap.get(), kept);
 }
 
 TEST_F(ImageDecodingTest, TheContentDecidesAndBadFilesFailCleanly) {

@@ -1,0 +1,5 @@
+#include <windows.h>
+
+#include "diagnostics/string_table.h"
+
+void StringTable::Init() { Init(GetUserDefaultUILanguage()); }
