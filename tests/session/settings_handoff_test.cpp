@@ -7,7 +7,8 @@
 namespace {
 
 TEST(SettingsHandoff, TrayFirstThenTheCompanionBesideTheSaverThenTheMessage) {
-    const std::wstring box = std::wstring(L"|box ") + kOpenSettingsText + L" Lumivane";
+    // The box speaks the language of the process, whichever an earlier test left.
+    const std::wstring box = L"|box " + StringTable::Get(kOpenSettingsText) + L" Lumivane";
     // A tray window runs, the companion starts, the saver's path, the calls made.
     const std::tuple<bool, bool, std::wstring, std::wstring> cases[] = {
         {true, true, L"C:\\Windows\\System32\\Lumivane.scr", L"tray"},
