@@ -96,10 +96,10 @@ echo "== the show under Wine: two monitors of ${LUMIVANE_SCREEN%x*}, ${SHOW_SECO
 echo "   Direct2D renders in software here (Wine on Xvfb): these figures describe this machine's"
 echo "   CPU renderer, not a GPU. A pass draws both monitors. ms; median and worst leave out the"
 echo "   first pass and the passes that uploaded a photo."
-printf '%-8s %12s %11s %7s %6s %7s %7s %8s %8s %8s\n' show first-photo first-pass passes fps \
+printf '%-12s %12s %11s %7s %6s %7s %7s %8s %8s %8s\n' show first-photo first-pass passes fps \
   median worst uploads median worst
-for show in fader slider kber; do
+for show in fader slider kber reflections faller fourup; do
   lumivane_wine "$BENCH_BUILD/tests/bench/lumivane_show_bench.exe" "$(winpath "$show_dir")" \
     "$show" "$SHOW_SECONDS" </dev/null | tr -d '\r' |
-    awk '{ printf "%-8s %12s %11s %7s %6s %7s %7s %8s %8s %8s\n", $1, $2, $3, $4, $5, $6, $7, $8, $9, $10 }'
+    awk '{ printf "%-12s %12s %11s %7s %6s %7s %7s %8s %8s %8s\n", $1, $2, $3, $4, $5, $6, $7, $8, $9, $10 }'
 done

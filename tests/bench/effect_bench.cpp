@@ -53,6 +53,10 @@ void Frames(benchmark::State& state, EffectKind kind) {
 BENCHMARK_CAPTURE(Frames, fader, EffectKind::Fader)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(Frames, slider, EffectKind::Slider)->UseManualTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(Frames, kber, EffectKind::Panner)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(Frames, reflections, EffectKind::Reflections)
+    ->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(Frames, faller, EffectKind::Faller)->UseManualTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(Frames, fourup, EffectKind::FourUp)->UseManualTime()->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

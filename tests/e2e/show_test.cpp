@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <functional>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -69,6 +70,14 @@ const Show kShows[] = {
     {"Kber", L"kber", 1, 0, true},
 };
 
+bool Dark(uint32_t pixel, int most) {
+    return (pixel >> 16 & 0xFF) <= most && (pixel >> 8 & 0xFF) <= most && (pixel & 0xFF) <= most;
+}
+
+// A monitor's pixel, from its top left; a judgement of monitor m's picture, w x h.
+using MonitorPixel = std::function<uint32_t(int x, int y)>;
+using Looks = std::function<bool(size_t m, const MonitorPixel& at, int w, int h)>;
+
 class ShowTest : public SaverTest, public ::testing::WithParamInterface<Show> {
 protected:
     void SetUp() override {
@@ -82,6 +91,28 @@ protected:
             ASSERT_TRUE(WriteJpeg(folder + L"\\" + kNames[i], 600, 600, kColours[i]));
         saver_registry::WriteString(L"ImportsDir", directory);
         saver_registry::WriteString(L"SaverPause", L"0"); // 3 s rests
+    }
+    // Runs `saverShow` and waits until `looks` has said yes of every monitor; the index lets a
+    // check remember earlier frames.
+    void ShowUntilEveryMonitor(const wchar_t* saverShow, const Looks& looks) {
+        saver_registry::WriteString(L"SaverShow", saverShow);
+        const std::vector<RECT> monitors = MonitorRects();
+        ASSERT_EQ(StartFullScreen().size(), monitors.size());
+        const RECT desktop = DesktopRect();
+        std::vector<bool> seen(monitors.size(), false);
+        const bool done = WaitUntil([&] {
+            const Image screen = CaptureScreen(desktop);
+            for (size_t m = 0; m < monitors.size(); ++m) {
+                const RECT& r = monitors[m];
+                const MonitorPixel at = [&](int x, int y) {
+                    return screen.At(r.left - desktop.left + x, r.top - desktop.top + y);
+                };
+                seen[m] = seen[m] || looks(m, at, r.right - r.left, r.bottom - r.top);
+            }
+            return std::find(seen.begin(), seen.end(), false) == seen.end();
+        }, 45000, 100);
+        if (!done) CaptureDesktopAs(saverShow);
+        EXPECT_TRUE(done) << "not every monitor showed what it should";
     }
 };
 
@@ -137,6 +168,47 @@ TEST_P(ShowTest, EachMonitorShowsAPhotoThenTheNext) {
             << "left end " << s.left[0] << "-" << s.left[1] << ", right " << s.right[0] << "-"
             << s.right[1];
     }
+}
+
+TEST_F(ShowTest, ReflectionsStandsFramedOverItsMirrorImageWithItsTitle) {
+    // At rest: the square photo in the middle of the black frame of 80%, its mirror image below
+    // the frame, the title under the frame, and the stage's dark grey around.
+    ShowUntilEveryMonitor(L"reflections", [](size_t, const MonitorPixel& at, int w, int h) {
+        const int photo = PhotoOf(at(w / 2, h / 2));
+        int light = 0;
+        for (int x = w / 2 - 40; x < w / 2 + 40; ++x)
+            for (int y = h * 9 / 10 + 10; y < h * 9 / 10 + 50; ++y)
+                light += (at(x, y) & 0x808080) == 0x808080;
+        return photo >= 0 && PhotoOf(at(w / 2, h - 10)) == photo && Dark(at(w / 8, h / 2), 0) &&
+               Dark(at(2, 2), 40) && !Dark(at(2, 2), 4) && light > 10;
+    });
+}
+
+TEST_F(ShowTest, FallerPrintsMoveDownOverADarkStage) {
+    // Pale paper around the photos; the pale rows' middle moves down from one capture to the next.
+    std::vector<double> lastMiddle(2, -1);
+    ShowUntilEveryMonitor(L"faller", [&](size_t m, const MonitorPixel& at, int w, int h) {
+        double rows = 0, count = 0;
+        for (int y = 0; y < h; y += 2)
+            for (int x = 0; x < w; x += 2)
+                if (Dark(~at(x, y) & 0xFFFFFF, 10)) rows += y, count += 1;
+        const double middle = count > 50 ? rows / count : -1;
+        const bool down = lastMiddle[m] >= 0 && middle > lastMiddle[m] + 4;
+        lastMiddle[m] = middle;
+        return down && Dark(at(w / 2, 1), 12) && !Dark(at(w / 2, 1), 0);
+    });
+}
+
+TEST_F(ShowTest, FourUpShowsTheTopLeftPhotoFirstAndTheOthersLater) {
+    // The columns are 496 wide on a 1024 monitor: top left at 8, bottom right at 528 across and
+    // 16 below the top photos.
+    std::vector<bool> topLeftAlone(2, false);
+    ShowUntilEveryMonitor(L"fourup", [&](size_t m, const MonitorPixel& at, int w, int h) {
+        const bool topLeft = PhotoOf(at(w / 4, h / 3)) >= 0;
+        const bool others = PhotoOf(at(w * 3 / 4, h / 3)) >= 0 || !Dark(at(w * 3 / 4, h - 60), 0);
+        topLeftAlone[m] = topLeftAlone[m] || (topLeft && !others && !Dark(at(w / 4, h / 3), 0));
+        return topLeftAlone[m] && others && PhotoOf(at(w * 3 / 4, h - 60)) >= 0;
+    });
 }
 
 INSTANTIATE_TEST_SUITE_P(Show, ShowTest, ::testing::ValuesIn(kShows),
