@@ -4,6 +4,7 @@
 #include <future>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "photos/std_work_queue_system.h"
@@ -90,26 +91,29 @@ TEST(WorkQueue, WithoutAThreadJobsWaitForTheDestructorAndNoWindowDropsCompletion
 }
 
 // A job that outlasts Stop's bound still finds the lock and the queues after the queue is gone
-// (AddressSanitizer watches), and its completion is never run.
+// (AddressSanitizer watches); its completion is never run, and is freed when the thread ends.
 TEST(WorkQueue, AThreadThatOutlivesItsQueuePostsSafely) {
     StdWorkQueueSystem system;
     system.overrun = true;
     std::promise<void> started, release;
-    bool ran = false;
+    auto token = std::make_shared<int>();
+    const std::weak_ptr<int> completion = token;
     {
         WorkQueue queue(system);
         queue.Start(kWindow, kMessage);
         WorkQueue::Shared* results = queue.shared.get();
-        queue.Post([&, results] {
+        queue.Post([&started, &release, results, token = std::move(token)]() mutable {
             started.set_value();
             release.get_future().wait();
-            results->PostResult([&ran] { ran = true; });
+            results->PostResult([token = std::move(token)] { ADD_FAILURE() << "ran"; });
         });
         started.get_future().wait();
     }
     release.set_value();
     EXPECT_TRUE(system.WaitForNotifies(1));
-    EXPECT_FALSE(ran);
+    for (int i = 0; i < 500 && !completion.expired(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_TRUE(completion.expired());
 }
 
 } // namespace
