@@ -3,19 +3,11 @@
 #include <shlobj.h>
 #include <wincodec.h>
 
-#include <fstream>
-#include <iterator>
 #include <vector>
 
 #include "support/wic_image_writer.h"
 
 namespace e2e {
-
-std::optional<std::string> ReadFileBytes(const std::wstring& path) {
-    std::ifstream file(path.c_str(), std::ios::binary);
-    if (!file) return std::nullopt;
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
 
 bool MakeFolders(const std::wstring& path) {
     const int result = SHCreateDirectoryExW(nullptr, path.c_str(), nullptr);
@@ -30,19 +22,25 @@ std::wstring KnownFolder(const GUID& id) {
     return result;
 }
 
-bool WriteJpeg(const std::wstring& path, int width, int height, uint32_t colour) {
-    std::vector<BYTE> pixels(static_cast<size_t>(width) * height * 3);
-    for (size_t i = 0; i < pixels.size(); ++i) pixels[i] = static_cast<BYTE>(colour >> i % 3 * 8);
-    return WriteImage(path, GUID_ContainerFormatJpeg, GUID_WICPixelFormat24bppBGR, width, height,
-                      static_cast<UINT>(width) * 3, pixels.data());
-}
-
 bool WriteImage(const std::wstring& path, const GUID& container, GUID format, int width,
                 int height, UINT stride, const void* pixels) {
     const HRESULT apartment = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     const bool written = WriteWicImage(path, container, format, width, height, stride, pixels);
     if (SUCCEEDED(apartment)) CoUninitialize();
     return written;
+}
+
+constexpr wchar_t kSaverKey[] = L"Software\\LumivaneW";
+
+void ClearSaverKey() { RegDeleteTreeW(HKEY_CURRENT_USER, kSaverKey); }
+
+std::optional<std::wstring> ReadSaverString(const wchar_t* name) {
+    std::vector<wchar_t> text(32768); // the longest string value there is
+    DWORD bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    if (RegGetValueW(HKEY_CURRENT_USER, kSaverKey, name, RRF_RT_REG_SZ, nullptr, text.data(),
+                     &bytes) != ERROR_SUCCESS)
+        return std::nullopt;
+    return std::wstring(text.data());
 }
 
 } // namespace e2e

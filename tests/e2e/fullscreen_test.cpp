@@ -31,8 +31,8 @@ TEST_F(SaverTest, FullScreenCoversEveryMonitorWithATopMostWindow) {
     }
 }
 
-// Input in the order of the fields. Moves are measured from the position recorded at the run's
-// first move, which doesn't follow the cursor: more than 8 pixels along either axis dismisses.
+// Input in the order of the fields: a key, a click, and one run of moves that stays and one that
+// dismisses (the mouse rule's table is a host test).
 struct Input {
     const char* name;
     WORD key;                 // pressed when not 0
@@ -45,13 +45,9 @@ struct Input {
 const Input kInputs[] = {
     {"SpaceKey", VK_SPACE, 0, false, {}, true},
     {"AltKeyAlone", VK_MENU, 0, false, {}, true},
-    {"LeftClick", 0, MOUSEEVENTF_LEFTDOWN, false, {}, true},
-    {"RightClick", 0, MOUSEEVENTF_RIGHTDOWN, false, {}, true},
     {"MiddleClickOnLastMonitor", 0, MOUSEEVENTF_MIDDLEDOWN, true, {}, true},
     {"MovesOfEight", 0, 0, false, {{8, 0}, {8, 8}, {0, -8}, {-8, 8}}, false},
     {"NineAcrossAfterEights", 0, 0, false, {{8, 0}, {8, 8}, {9, 0}}, true},
-    {"NineUp", 0, 0, false, {{0, -9}}, true},
-    {"NineLeft", 0, 0, false, {{-9, 0}}, true},
 };
 
 void PrintTo(const Input& input, std::ostream* out) { *out << input.name; }

@@ -69,6 +69,8 @@ TEST(LoadPhoto, ExactOpensTwiceAndAFailureLeavesThePhotoAsItWas) {
     ASSERT_TRUE(LoadPhotoExact(L"C:\\wide.jpg", 100, 100, photo));
     EXPECT_TRUE(photo.width == 100 && photo.height == 66);
     EXPECT_EQ(photo.pixels, std::vector<uint32_t>(100 * 66, 0xFF445566));
+    ASSERT_TRUE(LoadPhotoExact(L"C:\\wide.jpg", 1, 1, photo)); // the smallest target there is
+    EXPECT_EQ(photo.pixels, std::vector<uint32_t>(1, 0xFF445566));
 
     // A failure, or a side below one (which opens nothing), leaves the photo as it was.
     FakeFiles().opened.clear();

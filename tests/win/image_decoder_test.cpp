@@ -4,26 +4,19 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <string>
 
 #include "photos/image_decoder.h"
 #include "platform/win_handles.h"
 #include "win/image_test_files.h"
+#include "win/pixel_near.h"
 
 namespace {
 
 using namespace image_test;
-
-// Close to `rgb` (0xRRGGBB) and opaque: JPEG and the scaler move colours a little.
-::testing::AssertionResult Near(uint32_t pixel, uint32_t rgb) {
-    bool ok = (pixel >> 24) == 0xFF;
-    for (int shift = 0; shift <= 16; shift += 8)
-        ok = ok && std::abs(int((pixel >> shift) & 0xFF) - int((rgb >> shift) & 0xFF)) <= 48;
-    if (ok) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << std::hex << pixel << " is not near " << rgb;
-}
 
 class ImageDecodingTest : public ::testing::Test {
 protected:
@@ -37,6 +30,14 @@ protected:
         fs::remove(truncated); // MinGW's copy_file won't overwrite
         fs::copy_file(bands, truncated);
         fs::resize_file(truncated, fs::file_size(bands) / 2);
+        // bands.jpg turned upside down by an Exif orientation of 3, put in right after the
+        // start-of-image marker.
+        std::ifstream in(bands, std::ios::binary);
+        std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        const char exif[] = "\xFF\xE1\x00\x22" "Exif\0\0" "II*\0\x08\0\0\0"
+                            "\x01\0" "\x12\x01\x03\0\x01\0\0\0\x03\0\0\0" "\0\0\0\0";
+        bytes.insert(2, exif, sizeof exif - 1);
+        std::ofstream(fs::path(folder + L"turned.jpg"), std::ios::binary) << bytes;
         std::ofstream{fs::path(folder + L"empty.jpg")};
         std::ofstream{fs::path(folder + L"text.jpg")} << "not a photo at all\r\n";
     }
@@ -57,15 +58,15 @@ TEST_F(ImageDecodingTest, LetterboxKeepsBlackBarsAndCoverCropsEvenly) {
     ASSERT_EQ(photo.pixels.size(), 160u * 90u);
     for (const int x : {0, 19, 140, 159}) EXPECT_EQ(at(x, 45), 0xFF000000u) << x;
     const std::pair<int, uint32_t> middle[] = {{5, kRed}, {45, kWhite}, {85, kBlue}};
-    for (const auto& [y, rgb] : middle) EXPECT_TRUE(Near(at(80, y), rgb)) << y;
-    EXPECT_TRUE(Near(at(20, 45), kWhite));
+    for (const auto& [y, rgb] : middle) EXPECT_TRUE(Near(at(80, y), rgb, 48)) << y;
+    EXPECT_TRUE(Near(at(20, 45), kWhite, 48));
 
     // Cover: 160 x 120 with 15 rows cut at the top and the bottom, so 17 red rows remain.
     ASSERT_TRUE(LoadPhotoSized(folder + L"bands.jpg", 160, 90, true, photo));
     ASSERT_EQ(photo.pixels.size(), 160u * 90u);
     const std::pair<int, uint32_t> edges[] = {{8, kRed}, {22, kWhite}, {67, kWhite}, {81, kBlue}};
     for (const int x : {0, 159}) {
-        for (const auto& [y, rgb] : edges) EXPECT_TRUE(Near(at(x, y), rgb)) << x << "," << y;
+        for (const auto& [y, rgb] : edges) EXPECT_TRUE(Near(at(x, y), rgb, 48)) << x << "," << y;
     }
 }
 
@@ -77,8 +78,15 @@ TEST_F(ImageDecodingTest, ExactKeepsTheProportions) {
     ASSERT_TRUE(LoadPhotoExact(folder + L"bands.jpg", 100, 100, photo));
     EXPECT_EQ(photo.width, 100);
     EXPECT_EQ(photo.height, 75);
-    EXPECT_TRUE(Near(photo.pixels[0], kRed));
-    EXPECT_TRUE(Near(photo.pixels.back(), kBlue));
+    EXPECT_TRUE(Near(photo.pixels[0], kRed, 48));
+    EXPECT_TRUE(Near(photo.pixels.back(), kBlue, 48));
+}
+
+TEST_F(ImageDecodingTest, ExifOrientationTurnsThePhoto) {
+    PhotoSource::Photo photo;
+    ASSERT_TRUE(LoadPhotoSized(folder + L"turned.jpg", 160, 120, false, photo));
+    EXPECT_TRUE(Near(photo.pixels[5 * 160 + 80], kBlue, 48));
+    EXPECT_TRUE(Near(photo.pixels[115 * 160 + 80], kRed, 48));
 }
 
 TEST_F(ImageDecodingTest, DibIsTopDownWithZeroBytesBesideThePhotoAndReplacesTheOld) {
@@ -94,8 +102,8 @@ TEST_F(ImageDecodingTest, DibIsTopDownWithZeroBytesBesideThePhotoAndReplacesTheO
     EXPECT_EQ(dib.dsBm.bmHeight, 90);
     const auto* bits = static_cast<const uint32_t*>(dib.dsBm.bmBits);
     EXPECT_EQ(bits[45 * 160 + 10], 0u);
-    EXPECT_TRUE(Near(bits[5 * 160 + 80], kRed)); // top-down: the first row is the photo's top
-    EXPECT_TRUE(Near(bits[85 * 160 + 80], kBlue));
+    EXPECT_TRUE(Near(bits[5 * 160 + 80], kRed, 48)); // top-down: the first row is the photo's top
+    EXPECT_TRUE(Near(bits[85 * 160 + 80], kBlue, 48));
 
     const HBITMAP kept = bitmap;
     EXPECT_FALSE(LoadDib(folder + L"text.jpg", 160, 90, false, bitmap));
@@ -106,7 +114,7 @@ TEST_F(ImageDecodingTest, DibIsTopDownWithZeroBytesBesideThePhotoAndReplacesTheO
 TEST_F(ImageDecodingTest, TheContentDecidesAndBadFilesFailCleanly) {
     PhotoSource::Photo photo;
     EXPECT_TRUE(LoadPhotoSized(folder + L"png.jpg", 160, 90, true, photo));
-    EXPECT_TRUE(Near(photo.pixels[8 * 160], kRed));
+    EXPECT_TRUE(Near(photo.pixels[8 * 160], kRed, 48));
 
     const PhotoSource::Photo before = photo;
     for (const wchar_t* name : {L"empty.jpg", L"text.jpg", L"missing.jpg"}) {
