@@ -1,7 +1,7 @@
 #include "effects/effect.h"
 
 #include "photos/photo_source.h"
-#include "session/random.h"
+#include "library/random.h"
 
 namespace {
 

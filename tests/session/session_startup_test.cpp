@@ -5,7 +5,7 @@
 #include <map>
 
 #include "library/memory_registry.h"
-#include "session/random.h"
+#include "library/random.h"
 #include "session/saver_session.h"
 #include "support/fake_window_thread.h"
 #include "support/random_fake.h"
