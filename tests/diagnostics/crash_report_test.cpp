@@ -100,8 +100,8 @@ TEST(CrashReport, LongReportEndsAt12287BytesInTheMiddleOfALine) {
 
 TEST(CrashReport, FileNameIsTimeAndProcessInTheCrashFolder) {
     wchar_t name[kReportFileNameSize];
-    FormatReportFileName(name, kReportFileNameSize, L"C:\\Data\\Crashes", 0x01dc0a1b2c3d4e5f, 777);
-    EXPECT_STREQ(name, L"C:\\Data\\Crashes\\01dc0a1b2c3d4e5f-777.crash");
+    FormatReportFileName(name, kReportFileNameSize, L"C:\\Data\\Crashes", 0x01dc0a1b2c3d4e5f, 7);
+    EXPECT_STREQ(name, L"C:\\Data\\Crashes\\01dc0a1b2c3d4e5f-7.crash");
 }
 
 TEST(CrashReport, AccessDetailNamesTheOperation) {
