@@ -62,9 +62,6 @@ TEST_F(ImageDecodingTest, LetterboxKeepsBlackBarsAndCoverCropsEvenly) {
 
 TEST_F(ImageDecodingTest, ExactKeepsTheProportions) {
     PhotoSource::Photo photo;
-    ASSERT_TRUE(LoadPhotoExact(folder + L"bands.jpg", 1536, 864, photo));
-    EXPECT_EQ(photo.width, 1152);
-    EXPECT_EQ(photo.height, 864);
     ASSERT_TRUE(LoadPhotoExact(folder + L"bands.jpg", 100, 100, photo));
     EXPECT_EQ(photo.width, 100);
     EXPECT_EQ(photo.height, 75);
