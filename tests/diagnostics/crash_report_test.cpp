@@ -102,6 +102,9 @@ TEST(CrashReport, FileNameIsTimeAndProcessInTheCrashFolder) {
     wchar_t name[kReportFileNameSize];
     FormatReportFileName(name, kReportFileNameSize, L"C:\\Data\\Crashes", 0x01dc0a1b2c3d4e5f, 7);
     EXPECT_STREQ(name, L"C:\\Data\\Crashes\\01dc0a1b2c3d4e5f-7.crash");
+    // Cut to the buffer, zero included: the only check that the name never overruns it.
+    FormatReportFileName(name, 10, L"C:\\Data\\Crashes", 1, 2);
+    EXPECT_STREQ(name, L"C:\\Data\\C");
 }
 
 TEST(CrashReport, AccessDetailNamesTheOperation) {

@@ -67,26 +67,29 @@ TEST(WorkQueue, StopLetsTheRunningJobEndAndDropsEverythingElseUnrun) {
     EXPECT_EQ(system.waits, std::vector<uint32_t>{5000});
 }
 
-TEST(WorkQueue, WithoutAThreadJobsWaitForTheDestructorAndNoWindowDropsCompletions) {
-    for (const bool startFails : {false, true}) {
+// Items that no thread takes wait for the destructor, which drops completions before jobs.
+TEST(WorkQueue, WithoutAThreadItemsWaitForTheDestructorCompletionsFirst) {
+    for (const bool started : {false, true}) {
         StdWorkQueueSystem system;
-        system.failThreads = startFails;
-        auto token = std::make_shared<int>();
-        bool ran = false;
+        system.failThreads = started; // started, but no thread can be made
+        std::vector<std::string> dropped;
+        const auto mark = [&dropped](const char* name) {
+            return std::shared_ptr<void>(nullptr, [&dropped, name](void*) { dropped.push_back(name); });
+        };
         {
             WorkQueue queue(system);
-            queue.PostResult([&ran, token] { ran = true; }); // no window yet: dropped at once
-            EXPECT_EQ(token.use_count(), 1);
-            if (startFails) queue.Start(kWindow, kMessage);
-            queue.Post([&ran, token] { ran = true; });
+            queue.PostResult([m = mark("early")] { ADD_FAILURE(); }); // no window: dropped at once
+            EXPECT_EQ(dropped, std::vector<std::string>{"early"});
+            if (started) queue.Start(kWindow, kMessage);
+            queue.Post([m = mark("job")] { ADD_FAILURE(); });
+            if (started) queue.PostResult([m = mark("done")] { ADD_FAILURE(); });
             queue.Stop();
-            queue.Drain();
-            EXPECT_EQ(token.use_count(), 2) << startFails;
+            EXPECT_EQ(dropped.size(), 1u) << started;
         }
-        EXPECT_EQ(token.use_count(), 1) << startFails;
-        EXPECT_FALSE(ran);
+        using Names = std::vector<std::string>;
+        EXPECT_EQ(dropped, (started ? Names{"early", "done", "job"} : Names{"early", "job"}));
         EXPECT_TRUE(system.waits.empty());
-        EXPECT_TRUE(system.Notifies().empty());
+        EXPECT_EQ(system.Notifies().size(), started ? 1u : 0u);
     }
 }
 
