@@ -24,8 +24,8 @@ TEST(CrashReport, AppendsGiveTheirFormsAndStopAtTheBufferEnd) {
     EXPECT_EQ(text([&] { AppendHex(cursor, 0xC0000005, 16); }), "00000000c0000005");
     EXPECT_EQ(text([&] { AppendHex(cursor, 0x123456789ABCDEF0, 4); }), "def0");
     EXPECT_EQ(text([&] { AppendKeyValue(cursor, nullptr, nullptr); }), "=\n");
-    FormatOsVersion(buffer, sizeof buffer, 10, 0, 22631);
-    EXPECT_STREQ(buffer, "10.0.22631");
+    FormatOsVersion(buffer, sizeof buffer, 6, 1, 7601);
+    EXPECT_STREQ(buffer, "6.1.7601");
     EXPECT_EQ(text([&] {
                   AppendKeyValue(cursor, "key", "a-long-value");
                   AppendHex(cursor, 0xff, 2);

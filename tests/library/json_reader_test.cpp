@@ -14,7 +14,7 @@ TEST(JsonReader, AcceptsAndRefusesDocuments) {
         {"[1,2]", true}, {"{\"a\":1,}", false}, {"[1,]", false}, {"{\"a\" 1}", false},
         {"{\"a\":1 \"b\":2}", false}, {"truex", false}, {"[nulll]", false}, {"-", false},
         {"{\"a\":[true,false,null,-1.5e2,\"\x01\xFF\"]}", true}, {"\"\\q\"", false},
-        {"\"\\u12\"", false}, {"\"\\ud83d\\u12\"", false}, {"{\"a\": 1}", true}, {"{\"\\a:1}", false},
+        {"\"\\u12\"", false}, {"\"\\ud83d\\u12\"", false}, {"{\"a\": 1}", true}, {"{\"\\a:1}", false}, {"{\"ab", false}, {"{\"a\":", false},
         {"\"abc", false}, {"[", false}, {"", false},
         {std::string(65, '[') + std::string(65, ']'), true}, // 64 levels below the root
         {std::string(66, '[') + std::string(66, ']'), false},
