@@ -1,6 +1,6 @@
 #include "diagnostics/crash_report.h"
 
-#include "session/random.h"
+#include "library/random.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include "effects/four_up_effect.h"
 #include "effects/single_effect.h"
 #include "photos/photo_source.h"
-#include "session/random.h"
+#include "library/random.h"
 
 EffectKind ParseEffectKind(const std::wstring& text) {
     // Exact, case-sensitive comparisons: "Random" and "KBER" are Fader.

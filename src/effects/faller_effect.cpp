@@ -5,7 +5,7 @@
 
 #include "effects/timing.h"
 #include "photos/photo_source.h"
-#include "session/random.h"
+#include "library/random.h"
 
 namespace {
 

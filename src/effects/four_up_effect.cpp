@@ -4,7 +4,7 @@
 
 #include "effects/timing.h"
 #include "photos/photo_source.h"
-#include "session/random.h"
+#include "library/random.h"
 
 FourUpEffect::FourUpEffect(int32_t index, PhotoSource& photoSource)
     : pauseIndex(index), source(&photoSource) {}

@@ -6,7 +6,7 @@
 #include "effects/painting.h"
 #include "effects/timing.h"
 #include "photos/photo_source.h"
-#include "session/random.h"
+#include "library/random.h"
 
 SingleEffect::SingleEffect(EffectKind effectKind, EffectOptions options, PhotoSource& photoSource)
     : kind(effectKind), pauseIndex(options.pauseIndex), fit(options.fit), source(&photoSource) {}

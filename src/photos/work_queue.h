@@ -7,7 +7,7 @@
 #include <memory>
 #include <mutex>
 
-#include "session/saver_mode.h"
+#include "library/window_handle.h"
 
 // The only bridge between the window thread and the one background thread of a run. Jobs go
 // down through `jobs` and run on the background thread, one at a time, in the order posted;

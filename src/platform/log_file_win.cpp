@@ -19,6 +19,19 @@ struct LogLock {
     ~LogLock() { DeleteCriticalSection(&section); }
 };
 
+// Holds the lock for one scope: a line's strings are allocated under it, and a failed
+// allocation must not leave the log locked for good.
+class LogLockHold {
+public:
+    explicit LogLockHold(LogLock& lock) : section(lock.section) { EnterCriticalSection(&section); }
+    ~LogLockHold() { LeaveCriticalSection(&section); }
+    LogLockHold(const LogLockHold&) = delete;
+    LogLockHold& operator=(const LogLockHold&) = delete;
+
+private:
+    CRITICAL_SECTION& section;
+};
+
 std::string ToUtf8(const std::wstring& text) {
     if (text.empty()) return {};
     const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
@@ -41,7 +54,7 @@ void RotateIfLarge(const std::wstring& path, const std::wstring& oldPath) {
 
 void AppendLogLine(const std::wstring& folder, const std::wstring& text) {
     static LogLock lock;
-    EnterCriticalSection(&lock.section);
+    const LogLockHold hold(lock);
     SYSTEMTIME now;
     GetLocalTime(&now);
     const LogTime time{now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
@@ -55,7 +68,6 @@ void AppendLogLine(const std::wstring& folder, const std::wstring& text) {
         WriteFile(file, utf8.data(), static_cast<DWORD>(utf8.size()), &written, nullptr);
         CloseHandle(file);
     }
-    LeaveCriticalSection(&lock.section);
 }
 
 void Log::Write(const std::wstring& text) { AppendLogLine(DataPaths::Get().dataDir, text); }

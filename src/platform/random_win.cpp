@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include "session/random.h"
+#include "library/random.h"
 
 uint32_t RandomU32() {
     unsigned int value = 0;

@@ -11,7 +11,7 @@
 #include "platform/d2d_surface_win.h"
 #include "platform/win_handles.h"
 #include "platform/window_proc_win.h"
-#include "session/random.h"
+#include "library/random.h"
 #include "session/saver_session.h"
 
 namespace {

@@ -24,6 +24,8 @@ TEST(CrashReport, AppendsGiveTheirFormsAndStopAtTheBufferEnd) {
     EXPECT_EQ(text([&] { AppendHex(cursor, 0xC0000005, 16); }), "00000000c0000005");
     EXPECT_EQ(text([&] { AppendHex(cursor, 0x123456789ABCDEF0, 4); }), "def0");
     EXPECT_EQ(text([&] { AppendKeyValue(cursor, nullptr, nullptr); }), "=\n");
+    FormatOsVersion(buffer, sizeof buffer, 6, 1, 7601);
+    EXPECT_STREQ(buffer, "6.1.7601");
     EXPECT_EQ(text([&] {
                   AppendKeyValue(cursor, "key", "a-long-value");
                   AppendHex(cursor, 0xff, 2);
@@ -98,8 +100,9 @@ TEST(CrashReport, LongReportEndsAt12287BytesInTheMiddleOfALine) {
 
 TEST(CrashReport, FileNameIsTimeAndProcessInTheCrashFolder) {
     wchar_t name[kReportFileNameSize];
-    FormatReportFileName(name, kReportFileNameSize, L"C:\\Data\\Crashes", 0x01dc0a1b2c3d4e5f, 777);
-    EXPECT_STREQ(name, L"C:\\Data\\Crashes\\01dc0a1b2c3d4e5f-777.crash");
+    FormatReportFileName(name, kReportFileNameSize, L"C:\\Data\\Crashes", 0x01dc0a1b2c3d4e5f, 7);
+    EXPECT_STREQ(name, L"C:\\Data\\Crashes\\01dc0a1b2c3d4e5f-7.crash");
+    // Cut to the buffer, zero included: the only check that the name never overruns it.
     FormatReportFileName(name, 10, L"C:\\Data\\Crashes", 1, 2);
     EXPECT_STREQ(name, L"C:\\Data\\C");
 }

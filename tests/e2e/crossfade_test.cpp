@@ -7,7 +7,6 @@
 #include <string>
 
 #include "e2e/files.h"
-#include "e2e/saver_registry.h"
 #include "e2e/saver_test.h"
 #include "e2e/screen.h"
 
@@ -46,8 +45,8 @@ void ExpectCaption(const Image& shot, const RECT& m, const std::wstring& text) {
 }
 
 TEST_F(SaverTest, WithoutPhotosEveryMonitorShowsTheMessageInTheUsersLanguage) {
-    saver_registry::WriteString(L"ImportsDir", FreshFolder(L"no-photos"));
-    saver_registry::WriteString(L"Language", L"de");
+    WriteSaverString(L"ImportsDir", FreshFolder(L"no-photos"));
+    WriteSaverString(L"Language", L"de");
     StartFullScreen();
     Sleep(1500);
     const Image shot = CaptureDesktopAs(L"no-photos-de");
@@ -66,8 +65,8 @@ TEST_F(SaverTest, WithoutDirect2DPhotosCrossfadeAtThePauseOfSaverPauseWithTheirC
     ASSERT_TRUE(MakeFolders(photos) &&
                 WriteJpeg(photos + L"Amber Field_abcdefgh.jpg", 640, 480, kAmber) &&
                 WriteJpeg(photos + L"Blue Lake_abcdefgh.jpg", 640, 480, kBlue));
-    saver_registry::WriteString(L"ImportsDir", imports);
-    saver_registry::WriteString(L"SaverPause", L"0"); // 3 s still, then a fade of 3 s
+    WriteSaverString(L"ImportsDir", imports);
+    WriteSaverString(L"SaverPause", L"0"); // 3 s still, then a fade of 3 s
     // A copy of the saver under a name of its own, for which Wine disables d2d1.dll (its
     // per-program DllOverrides; WINEDLLOVERRIDES set in here wouldn't reach the child's loader).
     const std::wstring saver = imports + L"\\LumivaneNoD2D.scr";

@@ -54,4 +54,28 @@ bool WriteImage(const std::wstring& path, const GUID& container, GUID format, in
     return written;
 }
 
+constexpr wchar_t kSaverKey[] = L"Software\\LumivaneW";
+
+void ClearSaverKey() { RegDeleteTreeW(HKEY_CURRENT_USER, kSaverKey); }
+
+bool WriteSaverString(const wchar_t* name, const std::wstring& value) {
+    const DWORD bytes = static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t));
+    return RegSetKeyValueW(HKEY_CURRENT_USER, kSaverKey, name, REG_SZ, value.c_str(), bytes) ==
+           ERROR_SUCCESS;
+}
+
+bool WriteSaverDword(const wchar_t* name, DWORD value) {
+    return RegSetKeyValueW(HKEY_CURRENT_USER, kSaverKey, name, REG_DWORD, &value, sizeof value) ==
+           ERROR_SUCCESS;
+}
+
+std::optional<std::wstring> ReadSaverString(const wchar_t* name) {
+    std::vector<wchar_t> text(32768); // the longest string value there is
+    DWORD bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    if (RegGetValueW(HKEY_CURRENT_USER, kSaverKey, name, RRF_RT_REG_SZ, nullptr, text.data(),
+                     &bytes) != ERROR_SUCCESS)
+        return std::nullopt;
+    return std::wstring(text.data());
+}
+
 } // namespace e2e

@@ -22,4 +22,12 @@ bool WriteJpeg(const std::wstring& path, int width, int height, uint32_t colour)
 bool WriteImage(const std::wstring& path, const GUID& container, GUID format, int width,
                 int height, UINT stride, const void* pixels);
 
+// The saver's options key, HKCU\Software\LumivaneW: removed with all its values, so that a
+// scenario starts from the defaults; and one string value of it, nothing when it is missing.
+void ClearSaverKey();
+std::optional<std::wstring> ReadSaverString(const wchar_t* name);
+// Writes an option, making the key when it is missing.
+bool WriteSaverString(const wchar_t* name, const std::wstring& value);
+bool WriteSaverDword(const wchar_t* name, DWORD value);
+
 } // namespace e2e

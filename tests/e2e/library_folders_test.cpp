@@ -1,5 +1,6 @@
 // The folders and the one registry value that every start of the saver keeps in order, seen
-// from outside: a user's first start makes them, and a later start changes nothing.
+// from outside: a user's first start makes them (that a later start changes nothing is a host
+// test).
 #include <windows.h>
 #include <knownfolders.h>
 
@@ -7,11 +8,9 @@
 
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include "e2e/driver_window.h"
 #include "e2e/files.h"
-#include "e2e/saver_registry.h"
 #include "e2e/saver_test.h"
 
 namespace e2e {
@@ -19,17 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Every folder and file below the given folders, with the sizes of the files.
-std::vector<std::wstring> Contents(std::initializer_list<std::wstring> folders) {
-    std::vector<std::wstring> items;
-    for (const std::wstring& folder : folders)
-        for (const auto& entry : fs::recursive_directory_iterator(folder))
-            items.push_back(entry.path().wstring() + L" " +
-                            std::to_wstring(entry.is_directory() ? 0 : entry.file_size()));
-    return items;
-}
-
-TEST_F(SaverTest, FirstStartOfAUserMakesItsFoldersAndTheNextChangesNothing) {
+TEST_F(SaverTest, FirstStartOfAUserMakesItsFoldersAndStoresThePhotoDirectory) {
     const std::wstring local = KnownFolder(FOLDERID_LocalAppData);
     const std::wstring documents = KnownFolder(FOLDERID_Documents);
     ASSERT_FALSE(local.empty() || documents.empty());
@@ -42,18 +31,12 @@ TEST_F(SaverTest, FirstStartOfAUserMakesItsFoldersAndTheNextChangesNothing) {
 
     Start(L"/c");
     ExpectExitZero();
-    EXPECT_EQ(saver_registry::ReadString(L"ImportsDir"), documents);
+    EXPECT_EQ(ReadSaverString(L"ImportsDir"), documents);
     for (const std::wstring& folder :
          {dataDir + L"\\Slides", dataDir + L"\\Updates", photoTree + L"\\Lumivane Wallpaper",
           photoTree + L"\\Lumivane ScreenSaver", photoTree + L"\\Wallpaper Cache"})
         EXPECT_TRUE(fs::is_directory(folder)) << fs::path(folder).string();
     EXPECT_FALSE(fs::exists(documents + L"\\.lumivane-write-test"));
-
-    const std::vector<std::wstring> first = Contents({dataDir, photoTree});
-    Start(L"/c");
-    ExpectExitZero();
-    EXPECT_EQ(Contents({dataDir, photoTree}), first);
-    EXPECT_EQ(saver_registry::ReadString(L"ImportsDir"), documents);
 }
 
 } // namespace

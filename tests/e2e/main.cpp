@@ -17,7 +17,6 @@
 #include <string>
 
 #include "e2e/files.h"
-#include "e2e/saver_registry.h"
 #include "e2e/saver_test.h"
 #include "e2e/screen.h"
 
@@ -73,7 +72,7 @@ int main() {
         else if (option == L"--shots") shots = _wtoi(value.c_str());
         else if (option == L"--interval") intervalMs = static_cast<DWORD>(_wtoi(value.c_str()));
         else if (const size_t equals = value.find(L'='); option == L"--set" && equals != value.npos)
-            e2e::saver_registry::WriteString(value.substr(0, equals).c_str(), value.substr(equals + 1));
+            e2e::WriteSaverString(value.substr(0, equals).c_str(), value.substr(equals + 1));
         else {
             std::fprintf(stderr, "unknown option %ls\n", argv[i]);
             return 2;

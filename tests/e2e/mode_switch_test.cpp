@@ -27,10 +27,9 @@ TEST_P(QuietRunTest, EndsWithZeroAndNoWindow) {
     EXPECT_FALSE(sawWindow);
 }
 
-// An unknown switch, with and without a value; a preview of no window, of none, of text;
-// the settings.
-INSTANTIATE_TEST_SUITE_P(Switches, QuietRunTest,
-                         ::testing::Values(L"/x", L"-z:1", L"/p 123456", L"/p", L"/p:abc", L"/c"));
+// An unknown switch, a preview of a window that doesn't exist, the settings (the parsing rules
+// are a host test).
+INSTANTIATE_TEST_SUITE_P(Switches, QuietRunTest, ::testing::Values(L"/x", L"/p 123456", L"/c"));
 
 } // namespace
 } // namespace e2e

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "e2e/saver_registry.h"
+#include "e2e/files.h"
 
 namespace e2e {
 
@@ -93,7 +93,7 @@ std::vector<RECT> MonitorRects() {
 }
 
 void SaverTest::SetUp() {
-    saver_registry::Clear();
+    ClearSaverKey();
     SetCursorPos(kRestingCursor.x, kRestingCursor.y);
 }
 

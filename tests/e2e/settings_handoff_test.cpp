@@ -7,7 +7,6 @@
 
 #include "e2e/driver_window.h"
 #include "e2e/files.h"
-#include "e2e/saver_registry.h"
 #include "e2e/saver_test.h"
 #include "e2e/screen.h"
 
@@ -31,7 +30,7 @@ TEST_P(HandoffTest, GoesToTheTrayElseStartsTheCompanionElseShowsTheBox) {
     ASSERT_TRUE(CopyFileW(SaverPath().c_str(), saver.c_str(), FALSE) && !ReadFileBytes(record));
     if (companion)
         ASSERT_TRUE(CopyFileW(DriverPath().c_str(), (folder + L"\\Lumivane.exe").c_str(), FALSE));
-    saver_registry::WriteString(L"Language", L"de");
+    WriteSaverString(L"Language", L"de");
     std::optional<DriverWindow> trayWindow;
     if (tray) trayWindow.emplace(FakeTrayOptions());
     const int requests = SettingsRequests();

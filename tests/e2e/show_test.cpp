@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "e2e/files.h"
-#include "e2e/saver_registry.h"
 #include "e2e/saver_test.h"
 #include "e2e/screen.h"
 
@@ -89,13 +88,13 @@ protected:
         ASSERT_TRUE(MakeFolders(folder));
         for (int i = 0; i < 2; ++i)
             ASSERT_TRUE(WriteJpeg(folder + L"\\" + kNames[i], 600, 600, kColours[i]));
-        saver_registry::WriteString(L"ImportsDir", directory);
-        saver_registry::WriteString(L"SaverPause", L"0"); // 3 s rests
+        WriteSaverString(L"ImportsDir", directory);
+        WriteSaverString(L"SaverPause", L"0"); // 3 s rests
     }
     // Runs `saverShow` and waits until `looks` has said yes of every monitor; the index lets a
     // check remember earlier frames.
     void ShowUntilEveryMonitor(const wchar_t* saverShow, const Looks& looks) {
-        saver_registry::WriteString(L"SaverShow", saverShow);
+        WriteSaverString(L"SaverShow", saverShow);
         const std::vector<RECT> monitors = MonitorRects();
         ASSERT_EQ(StartFullScreen().size(), monitors.size());
         const RECT desktop = DesktopRect();
@@ -118,9 +117,9 @@ protected:
 
 TEST_P(ShowTest, EachMonitorShowsAPhotoThenTheNext) {
     const Show& show = GetParam();
-    saver_registry::WriteString(L"SaverShow", show.show);
-    saver_registry::WriteDword(L"SaverTitle", show.title);
-    saver_registry::WriteDword(L"SaverFit", show.fit);
+    WriteSaverString(L"SaverShow", show.show);
+    WriteSaverDword(L"SaverTitle", show.title);
+    WriteSaverDword(L"SaverFit", show.fit);
     const std::vector<RECT> monitors = MonitorRects();
     ASSERT_EQ(StartFullScreen().size(), monitors.size());
     const RECT desktop = DesktopRect();

@@ -14,7 +14,8 @@ TEST(JsonReader, AcceptsAndRefusesDocuments) {
         {"[1,2]", true}, {"{\"a\":1,}", false}, {"[1,]", false}, {"{\"a\" 1}", false},
         {"{\"a\":1 \"b\":2}", false}, {"truex", false}, {"[nulll]", false}, {"-", false},
         {"{\"a\":[true,false,null,-1.5e2,\"\x01\xFF\"]}", true}, {"\"\\q\"", false},
-        {"\"\\u12\"", false}, {"\"abc", false}, {"[", false}, {"", false},
+        {"\"\\u12\"", false}, {"\"\\ud83d\\u12\"", false}, {"{\"a\": 1}", true}, {"{\"\\a:1}", false}, {"{\"ab", false}, {"{\"a\":", false},
+        {"\"abc", false}, {"[", false}, {"", false},
         {std::string(65, '[') + std::string(65, ']'), true}, // 64 levels below the root
         {std::string(66, '[') + std::string(66, ']'), false},
     };
@@ -30,7 +31,8 @@ TEST(JsonReader, StringsKeepTheirEscapeRules) {
     const std::pair<std::string, std::string> cases[] = {
         {R"("\ud83d\ude00")", "\xF0\x9F\x98\x80"},
         {R"("\ud83dx")", "\xEF\xBF\xBDx"},
-        {R"("\ude00")", "\xEF\xBF\xBD"},
+        {R"("\udc00")", "\xEF\xBF\xBD"},
+        {R"("\ud800\udc00\u0800")", "\xF0\x90\x80\x80\xE0\xA0\x80"},
         {R"("\uD83D\u0041")", "\xEF\xBF\xBD"}, // the second escape is used up all the same
         {R"("\u00e9\u20AC")", "\xC3\xA9\xE2\x82\xAC"},
         {R"("\u0000")", std::string(1, '\0')},
@@ -51,6 +53,8 @@ TEST(JsonReader, FindTakesTheFirstOfEqualKeysAndOnlyInObjects) {
     EXPECT_EQ(value.Find("n").number, 5);
     EXPECT_EQ(value.Find("K").type, JsonValue::Null);
     EXPECT_EQ(value.items[1].Find("k").type, JsonValue::Null);
+    ASSERT_TRUE(JsonValue::Parse(R"([5,"k"])", value));
+    EXPECT_EQ(value.items.size(), 2u);
 }
 
 TEST(JsonReader, DataDirLosesTrailingSlashesBeyondTheThirdCharacter) {

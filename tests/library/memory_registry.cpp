@@ -35,8 +35,8 @@ MemoryRegistry& TestRegistry() {
     return registry;
 }
 
-std::unique_ptr<SettingsKey> OpenSettingsKey(KeyAccess access) {
-    if (access == KeyAccess::ReadWrite) TestRegistry().keyExists = true;
-    if (!TestRegistry().keyExists) return nullptr;
+std::unique_ptr<SettingsKey> MemoryRegistry::OpenKey(KeyAccess access) {
+    if (access == KeyAccess::ReadWrite) keyExists = true;
+    if (!keyExists) return nullptr;
     return std::make_unique<MemoryKey>();
 }

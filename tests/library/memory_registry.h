@@ -2,8 +2,11 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "library/settings_key.h"
 
 // The options key of the host tests. It answers like the registry: a value too big for the
 // caller's buffer fails the read, a name of 256 characters or more fails the walk, and only an
@@ -25,6 +28,8 @@ struct MemoryRegistry {
     void PutString(const std::wstring& name, const std::wstring& text) {
         Put(name, 1, Utf16(text + L'\0'));
     }
+    // The host build's OpenSettingsKey: only an opening for writing makes the key.
+    std::unique_ptr<SettingsKey> OpenKey(KeyAccess access);
     static std::vector<uint8_t> Utf16(const std::wstring& text) {
         std::vector<uint8_t> bytes;
         for (const wchar_t c : text) bytes.insert(bytes.end(), {uint8_t(c), uint8_t(c >> 8)});

@@ -1,7 +1,5 @@
 #include "library/memory_tree.h"
 
-#include <cwctype>
-
 #include "library/system_text.h"
 
 namespace {
@@ -18,13 +16,6 @@ bool StartsWith(const std::wstring& text, const std::wstring& head) {
 }
 
 } // namespace
-
-// The system's text rules, as far as the host tests need them (they use ASCII only).
-std::wstring LowerCase(std::wstring text) {
-    for (wchar_t& c : text) c = static_cast<wchar_t>(std::towlower(static_cast<wint_t>(c)));
-    return text;
-}
-std::wstring WideFromUtf8(const std::string& text) { return {text.begin(), text.end()}; }
 
 void MemoryTree::Add(const std::wstring& path, uint32_t attributes, uint64_t writeTime,
                      const std::string& content) {
@@ -115,5 +106,3 @@ MemoryTree& TestTree() {
     static MemoryTree tree;
     return tree;
 }
-
-FileTree& SystemFileTree() { return TestTree(); }

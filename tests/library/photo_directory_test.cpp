@@ -70,7 +70,7 @@ TEST(PhotoDirectory, InsideMeansTheFolderItselfOrBelowABackslash) {
     const Case cases[] = {
         {L"C:\\A\\B", L"c:\\a\\b", true},   {L"C:\\A\\B\\c", L"C:\\A\\B", true},
         {L"C:\\A\\B/c", L"C:\\A\\B", false}, {L"C:\\A\\BC", L"C:\\A\\B", false},
-        {L"C:\\A", L"C:\\A\\B", false},     {L"C:\\A", L"", false},
+        {L"C:\\A", L"C:\\A\\B", false},     {L"C:\\A", L"", false}, {L"\\x", L"", false},
     };
     for (const Case& c : cases) EXPECT_EQ(IsInsideFolder(c.path, c.folder), c.inside) << c.path;
     EXPECT_TRUE(IsCloudFolder(L"D:\\My GOOGLE DRIVE\\x"));

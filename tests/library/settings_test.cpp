@@ -39,7 +39,7 @@ TEST_F(SettingsTest, EachValueFormReadsByItsRule) {
     };
     const Case cases[] = {
         {"dword all ones is -1", 4, {0xFF, 0xFF, 0xFF, 0xFF}, -1, L""},
-        {"dword little-endian", 4, {0x02, 0x01, 0, 0}, 0x102, L""},
+        {"dword little-endian", 4, {0x01, 0x02, 0x03, 0x04}, 0x04030201, L""},
         {"dword of 2 bytes", 4, {7, 0}, 7, L""},
         {"string 0 under a number", 1, Utf16({L'0', 0}), 1, L"0"},
         {"qword doesn't fit 4 bytes", 11, Bytes(8, 0), 1, L""},

@@ -63,6 +63,14 @@ TEST(LoadPhoto, ExactOpensTwiceAndAFailureLeavesThePhotoAsItWas) {
     EXPECT_TRUE(photo.width == 1536 && photo.height == 1);
     EXPECT_EQ(photo.pixels, std::vector<uint32_t>(1536, 0xFF445566));
     EXPECT_EQ(FakeFiles().opened.size(), 2u);
+    // 300 x 199 into 100 x 100 is 100 x 66, which only the second pass's cover fills: fitted
+    // inside, the photo would be 99 wide beside a black column.
+    FakeFiles().files[L"C:\\wide.jpg"] = {300, 199, 0, 0xFF445566};
+    ASSERT_TRUE(LoadPhotoExact(L"C:\\wide.jpg", 100, 100, photo));
+    EXPECT_TRUE(photo.width == 100 && photo.height == 66);
+    EXPECT_EQ(photo.pixels, std::vector<uint32_t>(100 * 66, 0xFF445566));
+    ASSERT_TRUE(LoadPhotoExact(L"C:\\wide.jpg", 1, 1, photo)); // the smallest target there is
+    EXPECT_EQ(photo.pixels, std::vector<uint32_t>(1, 0xFF445566));
 
     // A failure, or a side below one (which opens nothing), leaves the photo as it was.
     FakeFiles().opened.clear();

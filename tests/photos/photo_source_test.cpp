@@ -34,9 +34,13 @@ protected:
 
     // One request, waited for and drained as the window thread would.
     PhotoSource::Photo Request(int32_t width, int32_t height, Shape shape = Shape::Letterbox) {
+        return RequestFrom(source, width, height, shape);
+    }
+    PhotoSource::Photo RequestFrom(PhotoSource& from, int32_t width, int32_t height,
+                                   Shape shape = Shape::Letterbox) {
         PhotoSource::Photo delivered;
         int calls = 0;
-        source.Next(width, height, shape, [&](PhotoSource::Photo& photo) {
+        from.Next(width, height, shape, [&](PhotoSource::Photo& photo) {
             EXPECT_EQ(std::this_thread::get_id(), windowThread);
             delivered = std::move(photo);
             ++calls;
@@ -77,6 +81,23 @@ TEST_F(PhotoSourceTest, AShortListIsTriedOnceOverAndAWidthOfZeroOpensNothing) {
     FakeFiles() = {};
     EXPECT_TRUE(Request(0, 480).pixels.empty());
     EXPECT_TRUE(FakeFiles().opened.empty());
+}
+
+TEST_F(PhotoSourceTest, AnEmptyListStillAnswersAndMovesTheCursor) {
+    MakeFiles(0, false, 3);
+    const PhotoSource::Photo none = Request(640, 480);
+    EXPECT_TRUE(none.pixels.empty() && none.width == 0 && none.title.empty());
+    EXPECT_EQ(source.cursor, 4u);
+    EXPECT_TRUE(FakeFiles().opened.empty());
+}
+
+TEST_F(PhotoSourceTest, TwoSourcesOnOneListKeepTheirOwnCursors) {
+    MakeFiles(10, false, 0);
+    PhotoSource other{&queue, &photos, 5, flags};
+    for (const auto& [from, shown] : {std::pair{&source, 0}, {&other, 5}, {&other, 6}, {&source, 1}})
+        EXPECT_EQ(RequestFrom(*from, 8, 6).pixels.at(0), 0xFF100000u + shown);
+    EXPECT_EQ(source.cursor, 2u);
+    EXPECT_EQ(other.cursor, 7u);
 }
 
 TEST_F(PhotoSourceTest, ADamagedFileShowsAsItsNeighbourTwice) {

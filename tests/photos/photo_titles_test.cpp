@@ -30,7 +30,6 @@ TEST(PhotoTitles, CaptionIsTheNameWithoutItsTailWhenItsKindsFlagIsOn) {
         EXPECT_EQ(PhotoCaption(path, {!ownOff[0], !ownOff[1]}), c.caption) << path;
     }
     EXPECT_EQ(PhotoCaption(L"", {true, true}), L"");
-    EXPECT_EQ(PhotoFileName(L"C:\\a/b.jpg"), L"a/b.jpg");
 }
 
 TEST(PhotoTitles, NamesCompareAsTheRuntimeFoldsThem) {

@@ -69,8 +69,3 @@ std::vector<std::pair<WindowHandle, uint32_t>> StdWorkQueueSystem::Notifies() {
     std::lock_guard<std::mutex> hold(lock);
     return notifies;
 }
-
-WorkQueue::System& WorkQueue::DefaultSystem() {
-    static StdWorkQueueSystem system;
-    return system;
-}

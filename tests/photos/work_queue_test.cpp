@@ -4,6 +4,7 @@
 #include <future>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "photos/std_work_queue_system.h"
@@ -66,50 +67,56 @@ TEST(WorkQueue, StopLetsTheRunningJobEndAndDropsEverythingElseUnrun) {
     EXPECT_EQ(system.waits, std::vector<uint32_t>{5000});
 }
 
-TEST(WorkQueue, WithoutAThreadJobsWaitForTheDestructorAndNoWindowDropsCompletions) {
-    for (const bool startFails : {false, true}) {
+// Items that no thread takes wait for the destructor, which drops completions before jobs.
+TEST(WorkQueue, WithoutAThreadItemsWaitForTheDestructorCompletionsFirst) {
+    for (const bool started : {false, true}) {
         StdWorkQueueSystem system;
-        system.failThreads = startFails;
-        auto token = std::make_shared<int>();
-        bool ran = false;
+        system.failThreads = started; // started, but no thread can be made
+        std::vector<std::string> dropped;
+        const auto mark = [&dropped](const char* name) {
+            return std::shared_ptr<void>(nullptr, [&dropped, name](void*) { dropped.push_back(name); });
+        };
         {
             WorkQueue queue(system);
-            queue.PostResult([&ran, token] { ran = true; }); // no window yet: dropped at once
-            EXPECT_EQ(token.use_count(), 1);
-            if (startFails) queue.Start(kWindow, kMessage);
-            queue.Post([&ran, token] { ran = true; });
+            queue.PostResult([m = mark("early")] { ADD_FAILURE(); }); // no window: dropped at once
+            EXPECT_EQ(dropped, std::vector<std::string>{"early"});
+            if (started) queue.Start(kWindow, kMessage);
+            queue.Post([m = mark("job")] { ADD_FAILURE(); });
+            if (started) queue.PostResult([m = mark("done")] { ADD_FAILURE(); });
             queue.Stop();
-            queue.Drain();
-            EXPECT_EQ(token.use_count(), 2) << startFails;
+            EXPECT_EQ(dropped.size(), 1u) << started;
         }
-        EXPECT_EQ(token.use_count(), 1) << startFails;
-        EXPECT_FALSE(ran);
+        using Names = std::vector<std::string>;
+        EXPECT_EQ(dropped, (started ? Names{"early", "done", "job"} : Names{"early", "job"}));
         EXPECT_TRUE(system.waits.empty());
-        EXPECT_TRUE(system.Notifies().empty());
+        EXPECT_EQ(system.Notifies().size(), started ? 1u : 0u);
     }
 }
 
 // A job that outlasts Stop's bound still finds the lock and the queues after the queue is gone
-// (AddressSanitizer watches), and its completion is never run.
+// (AddressSanitizer watches); its completion is never run, and is freed when the thread ends.
 TEST(WorkQueue, AThreadThatOutlivesItsQueuePostsSafely) {
     StdWorkQueueSystem system;
     system.overrun = true;
     std::promise<void> started, release;
-    bool ran = false;
+    auto token = std::make_shared<int>();
+    const std::weak_ptr<int> completion = token;
     {
         WorkQueue queue(system);
         queue.Start(kWindow, kMessage);
         WorkQueue::Shared* results = queue.shared.get();
-        queue.Post([&, results] {
+        queue.Post([&started, &release, results, token = std::move(token)]() mutable {
             started.set_value();
             release.get_future().wait();
-            results->PostResult([&ran] { ran = true; });
+            results->PostResult([token = std::move(token)] { ADD_FAILURE() << "ran"; });
         });
         started.get_future().wait();
     }
     release.set_value();
     EXPECT_TRUE(system.WaitForNotifies(1));
-    EXPECT_FALSE(ran);
+    for (int i = 0; i < 500 && !completion.expired(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_TRUE(completion.expired());
 }
 
 } // namespace

@@ -79,10 +79,4 @@ TEST(CommandLine, DecidesModeHandleAndSilentExits) {
     }
 }
 
-TEST(CommandLine, StageWordsNameTheModes) {
-    EXPECT_STREQ(StageWord(SaverMode::Fullscreen), "fullscreen");
-    EXPECT_STREQ(StageWord(SaverMode::Preview), "preview");
-    EXPECT_STREQ(StageWord(SaverMode::Settings), "settings");
-}
-
 } // namespace

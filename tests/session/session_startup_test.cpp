@@ -4,7 +4,8 @@
 
 #include <map>
 
-#include "session/random.h"
+#include "library/memory_registry.h"
+#include "library/random.h"
 #include "session/saver_session.h"
 #include "support/fake_window_thread.h"
 #include "support/random_fake.h"
@@ -122,6 +123,42 @@ TEST(SessionStartup, EffectKindParsesExactlyAndRandomDrawsOnce) {
     const auto drawn = RandomDrawCount();
     EXPECT_EQ(ParseEffectKind(L"random"), EffectKind::Slider);
     EXPECT_EQ(RandomDrawCount(), drawn + 1);
+}
+
+// What a run takes from the options key, with the fallbacks of missing or mistyped values.
+TEST(SessionStartup, ReadOptionsFallsBackPerValue) {
+    struct Case {
+        const char* what;
+        std::vector<std::pair<std::wstring, std::wstring>> strings;
+        std::vector<std::pair<std::wstring, uint8_t>> dwords;
+        bool fit, title, importedTitle;
+        EffectKind kind;
+        int32_t pauseIndex;
+    };
+    const Case cases[] = {
+        {"no key", {}, {}, false, true, true, EffectKind::Fader, 2},
+        {"every value set", {{L"SaverShow", L"slider"}, {L"SaverPause", L"5"}},
+         {{L"SaverFit", 7}, {L"SaverTitle", 0}, {L"SaverImportedTitle", 0}}, true, false, false,
+         EffectKind::Slider, 5},
+        {"flags as strings read as missing",
+         {{L"SaverFit", L"1"}, {L"SaverTitle", L"0"}, {L"SaverImportedTitle", L"0"}},
+         {{L"SaverShow", 4}, {L"SaverPause", 0}}, false, true, true, EffectKind::Fader, 2},
+        {"one title off", {}, {{L"SaverImportedTitle", 0}}, false, true, false, EffectKind::Fader, 2},
+    };
+    for (const Case& c : cases) {
+        TestRegistry() = {};
+        for (const auto& [name, text] : c.strings) TestRegistry().PutString(name, text);
+        for (const auto& [name, value] : c.dwords) TestRegistry().Put(name, 4, {value, 0, 0, 0});
+        FakeWindowThread thread;
+        SaverSession session(SaverMode::Fullscreen, &thread);
+        const SaverSession::RunOptions options = session.ReadOptions();
+        EXPECT_EQ((std::vector<bool>{session.fit, session.title, session.importedTitle,
+                                     options.effectOptions.fit}),
+                  (std::vector<bool>{c.fit, c.title, c.importedTitle, c.fit}))
+            << c.what;
+        EXPECT_EQ(options.kind, c.kind) << c.what;
+        EXPECT_EQ(options.effectOptions.pauseIndex, c.pauseIndex) << c.what;
+    }
 }
 
 } // namespace

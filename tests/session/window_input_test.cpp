@@ -48,9 +48,6 @@ TEST(WindowMessages, ActByModeAsTheTableSays) {
         EXPECT_EQ(DecideMessage(SaverMode::Fullscreen, c.message, c.wParam), c.fullscreen);
         EXPECT_EQ(DecideMessage(SaverMode::Preview, c.message, c.wParam), c.preview);
     }
-    EXPECT_EQ(ActionResult(A::HideCursor), 1);
-    EXPECT_EQ(ActionResult(A::SkipErase), 1);
-    EXPECT_EQ(ActionResult(A::Swallow), 0);
 }
 
 // A session of three windows whose handles are 1, 2 and 3.

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -12,19 +11,11 @@
 #include "platform/win_handles.h"
 #include "platform/window_thread_win.h"
 #include "win/image_test_files.h"
+#include "win/pixel_near.h"
 
 namespace {
 
 using namespace image_test;
-
-// Close to `rgb` (0xRRGGBB) and opaque: JPEG and the scaler move colours a little.
-::testing::AssertionResult Near(uint32_t pixel, uint32_t rgb) {
-    bool ok = (pixel >> 24) == 0xFF;
-    for (int shift = 0; shift <= 16; shift += 8)
-        ok = ok && std::abs(int((pixel >> shift) & 0xFF) - int((rgb >> shift) & 0xFF)) <= 48;
-    if (ok) return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << std::hex << pixel << " is not near " << rgb;
-}
 
 class ImageDecodingTest : public ::testing::Test {
 protected:
@@ -58,29 +49,30 @@ TEST_F(ImageDecodingTest, LetterboxKeepsBlackBarsAndCoverCropsEvenly) {
     ASSERT_EQ(photo.pixels.size(), 160u * 90u);
     for (const int x : {0, 19, 140, 159}) EXPECT_EQ(at(x, 45), 0xFF000000u) << x;
     const std::pair<int, uint32_t> middle[] = {{5, kRed}, {45, kWhite}, {85, kBlue}};
-    for (const auto& [y, rgb] : middle) EXPECT_TRUE(Near(at(80, y), rgb)) << y;
-    EXPECT_TRUE(Near(at(20, 45), kWhite));
+    for (const auto& [y, rgb] : middle) EXPECT_TRUE(Near(at(80, y), rgb, 48)) << y;
+    EXPECT_TRUE(Near(at(20, 45), kWhite, 48));
 
     // Cover: 160 x 120 with 15 rows cut at the top and the bottom, so 17 red rows remain.
     ASSERT_TRUE(LoadPhotoSized(folder + L"bands.jpg", 160, 90, true, photo));
     ASSERT_EQ(photo.pixels.size(), 160u * 90u);
     const std::pair<int, uint32_t> edges[] = {{8, kRed}, {22, kWhite}, {67, kWhite}, {81, kBlue}};
     for (const int x : {0, 159}) {
-        for (const auto& [y, rgb] : edges) EXPECT_TRUE(Near(at(x, y), rgb)) << x << "," << y;
+        for (const auto& [y, rgb] : edges) EXPECT_TRUE(Near(at(x, y), rgb, 48)) << x << "," << y;
     }
 }
 
 TEST_F(ImageDecodingTest, ExactKeepsTheProportions) {
     PhotoSource::Photo photo;
-    ASSERT_TRUE(LoadPhotoExact(folder + L"bands.jpg", 1536, 864, photo));
-    EXPECT_EQ(photo.width, 1152);
-    EXPECT_EQ(photo.height, 864);
     ASSERT_TRUE(LoadPhotoExact(folder + L"bands.jpg", 100, 100, photo));
     EXPECT_EQ(photo.width, 100);
     EXPECT_EQ(photo.height, 75);
-    EXPECT_TRUE(Near(photo.pixels[0], kRed));
-    EXPECT_TRUE(Near(photo.pixels.back(), kBlue));
+    EXPECT_TRUE(Near(photo.pixels[0], kRed, 48));
+    EXPECT_TRUE(Near(photo.pixels.back(), kBlue, 48));
 }
+
+// No case of an Exif orientation here: Wine 8's JPEG metadata reader is a stub. A JPEG with an
+// orientation of 3 in its APP1 segment (read as such by other tools) decodes unrotated under
+// Wine, so only the orientation arithmetic is tested, on the host.
 
 // LoadDib through the window thread's bridge to the window's bitmap holder.
 TEST_F(ImageDecodingTest, DibIsTopDownWithZeroBytesBesideThePhotoAndReplacesTheOld) {
@@ -97,8 +89,8 @@ TEST_F(ImageDecodingTest, DibIsTopDownWithZeroBytesBesideThePhotoAndReplacesTheO
     EXPECT_EQ(dib.dsBm.bmHeight, 90);
     const auto* bits = static_cast<const uint32_t*>(dib.dsBm.bmBits);
     EXPECT_EQ(bits[45 * 160 + 10], 0u);
-    EXPECT_TRUE(Near(bits[5 * 160 + 80], kRed)); // top-down: the first row is the photo's top
-    EXPECT_TRUE(Near(bits[85 * 160 + 80], kBlue));
+    EXPECT_TRUE(Near(bits[5 * 160 + 80], kRed, 48)); // top-down: the first row is the photo's top
+    EXPECT_TRUE(Near(bits[85 * 160 + 80], kBlue, 48));
 
     const HGDIOBJ kept = bitmap.get();
     EXPECT_FALSE(thread.DecodeBitmap(folder + L"text.jpg", 160, 90, false, bitmap));
@@ -108,7 +100,7 @@ TEST_F(ImageDecodingTest, DibIsTopDownWithZeroBytesBesideThePhotoAndReplacesTheO
 TEST_F(ImageDecodingTest, TheContentDecidesAndBadFilesFailCleanly) {
     PhotoSource::Photo photo;
     EXPECT_TRUE(LoadPhotoSized(folder + L"png.jpg", 160, 90, true, photo));
-    EXPECT_TRUE(Near(photo.pixels[8 * 160], kRed));
+    EXPECT_TRUE(Near(photo.pixels[8 * 160], kRed, 48));
 
     const PhotoSource::Photo before = photo;
     for (const wchar_t* name : {L"empty.jpg", L"text.jpg", L"missing.jpg"}) {

@@ -16,7 +16,7 @@
 namespace image_test {
 
 // Writes a `width` x `height` picture in `container` (GUID_ContainerFormatJpeg or ...Png) whose
-// pixel (x, y) has the colour paint(x, y), 0xRRGGBB. The calling thread has a COM apartment.
+// pixel (x, y) has the colour paint(x, y), 0xRRGGBB (alpha ignored). The calling thread has a COM apartment.
 inline bool WriteImage(const std::wstring& path, const GUID& container, int width, int height,
                        uint32_t (*paint)(int x, int y)) {
     const UINT stride = static_cast<UINT>(width) * 3;
@@ -31,9 +31,10 @@ inline bool WriteImage(const std::wstring& path, const GUID& container, int widt
                          pixels.data());
 }
 
-constexpr uint32_t kRed = 0xFF0000;
-constexpr uint32_t kWhite = 0xFFFFFF;
-constexpr uint32_t kBlue = 0x0000FF;
+// Opaque colours, 0xAARRGGBB as a decoded photo holds them.
+constexpr uint32_t kRed = 0xFFFF0000;
+constexpr uint32_t kWhite = 0xFFFFFFFF;
+constexpr uint32_t kBlue = 0xFF0000FF;
 
 // 400 x 300: rows 0 to 79 red, 220 to 299 blue, white between. The bands survive JPEG and
 // scaling, so placement and crop can be read back from decoded pixels.
