@@ -43,62 +43,43 @@ Seen Look(const std::vector<SurfaceCall>& frame) {
     return seen;
 }
 
-TEST(Fader, FadesInAfterTheDarkStartRestsAndFadesOut) {
+TEST(SingleEffect, FaderFadesInPlaceAndSliderSlidesThroughWithTheirCaptions) {
+    constexpr auto kFader = EffectKind::Fader, kSlider = EffectKind::Slider;
     const struct {
-        double at;       // after shownAt
-        double opacity;  // -1: nothing drawn
+        EffectKind kind;
+        double at;      // after shownAt
+        double x;       // the photo's shift to the right
+        double opacity; // -1: nothing drawn
     } cases[] = {
-        {0, -1}, {1299, -1}, {1300, Ease(0)}, {2800, Ease(0.5)}, {4300, 1},
-        {4300 + kHold - 1, 1}, {4300 + kHold, 1 - EaseIn(0)}, {5800 + kHold, 1 - EaseIn(0.5)},
-        {7300 + kHold, -1}, {7399 + kHold, -1},
+        {kFader, 0, 0, -1}, {kFader, 1299, 0, -1}, {kFader, 1300, 0, Ease(0)},
+        {kFader, 2800, 0, Ease(0.5)}, {kFader, 4300, 0, 1}, {kFader, 4299 + kHold, 0, 1},
+        {kFader, 4300 + kHold, 0, 1 - EaseIn(0)}, {kFader, 5800 + kHold, 0, 1 - EaseIn(0.5)},
+        {kFader, 7300 + kHold, 0, -1}, {kFader, 7399 + kHold, 0, -1},
+        {kSlider, 99, 0, -1}, {kSlider, 100, -640 * (1 - Ease(0)), Ease(0)},
+        {kSlider, 1600, -640 * (1 - Ease(0.5)), Ease(0.5)}, {kSlider, 3100, 0, 1},
+        {kSlider, 3099 + kHold, 0, 1}, {kSlider, 4600 + kHold, 1280 * EaseIn(0.5), 1 - EaseIn(0.5)},
+        {kSlider, 6100 + kHold, 0, -1},
     };
-    Staged rig(EffectKind::Fader);
+    Staged fader(kFader), slider(kSlider);
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.at);
+        SCOPED_TRACE(testing::Message() << int(c.kind) << " at " << c.at);
+        Staged& rig = c.kind == kFader ? fader : slider;
         const auto frame = rig.Frame(kShown + c.at);
         const Seen seen = Look(frame);
         ASSERT_EQ(seen.drawn, c.opacity >= 0);
         if (!seen.drawn) continue;
         EXPECT_FLOAT_EQ(seen.photo.layerOpacity, static_cast<float>(c.opacity));
-        // Full strength is drawn without a layer.
-        EXPECT_EQ(OfOp(frame, Op::PushLayer).empty(), c.opacity >= 1);
+        EXPECT_EQ(OfOp(frame, Op::PushLayer).empty(), c.opacity >= 1); // full strength: no layer
+        EXPECT_EQ(seen.photo.transform, (Matrix3x2F{1, 0, 0, 1, static_cast<float>(c.x), 0}));
         EXPECT_EQ(seen.photo.rect, (RectF{0, 0, 640, 480}));
-        EXPECT_EQ(seen.photo.opacity, 1.0f);
         ASSERT_EQ(seen.captions.size(), 2u);
         EXPECT_EQ(seen.captions[1].text, L"Alpha");
         EXPECT_EQ(rig.ColourOf(seen.photo), EffectRig::kColours[0]);
     }
-    EXPECT_EQ(rig.log->bitmapsCreated, 1); // one upload for the whole turn
-    EXPECT_TRUE(rig.log->misuses.empty());
-}
-
-TEST(Slider, EntersFromTheLeftRestsAndLeavesToTheRightWithItsCaption) {
-    const struct {
-        double at;
-        double x;
-        double opacity; // -1: nothing drawn
-    } cases[] = {
-        {99, 0, -1},
-        {100, -640 * (1 - Ease(0)), Ease(0)},
-        {1600, -640 * (1 - Ease(0.5)), Ease(0.5)},
-        {3100, 0, 1},
-        {3099 + kHold, 0, 1},
-        {4600 + kHold, 1280 * EaseIn(0.5), 1 - EaseIn(0.5)},
-        {6100 + kHold, 0, -1},
-    };
-    Staged rig(EffectKind::Slider);
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.at);
-        const Seen seen = Look(rig.Frame(kShown + c.at));
-        ASSERT_EQ(seen.drawn, c.opacity >= 0);
-        if (!seen.drawn) continue;
-        EXPECT_EQ(seen.photo.transform, (Matrix3x2F{1, 0, 0, 1, static_cast<float>(c.x), 0}));
-        EXPECT_EQ(seen.captions.size(), 2u);
-        EXPECT_FLOAT_EQ(seen.photo.layerOpacity, static_cast<float>(c.opacity));
-    }
+    EXPECT_EQ(fader.log->bitmapsCreated, 1); // one upload for the whole turn
     // Without a layer the photo is drawn at full strength, still on its way in.
-    rig.canvas.layer = nullptr;
-    const Seen seen = Look(rig.Frame(kShown + 1600));
+    slider.canvas.layer = nullptr;
+    const Seen seen = Look(slider.Frame(kShown + 1600));
     EXPECT_EQ(seen.photo.layerOpacity, 1.0f);
     EXPECT_FLOAT_EQ(seen.photo.transform.dx, static_cast<float>(-640 * (1 - Ease(0.5))));
 }
