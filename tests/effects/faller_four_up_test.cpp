@@ -91,4 +91,22 @@ TEST(FourUp, StartsFourSecondsApartInTwoColumnsWithTheBottomRowUnderTheTallerTop
     }
 }
 
+TEST(Faller, PlacesAPrintFarthestFromThoseOnStageAndKeepsTheEarlierOfATie) {
+    // Four prints of 25% (margins 5, span 90). Print 0 counts for print 1 once it has left the
+    // top (an opening at 7000); all its candidates stand at 50. Print 1's first two candidates
+    // stand at 27.5 and 72.5, both 22.5 from it, the others at 50: the first of the tie wins.
+    constexpr uint32_t kHalf = 0x80000000, kQuarter = 0x40000000, kThreeQuarters = 0xC0000000;
+    std::vector<uint32_t> draws{0, 0, 0, 0, kHalf};
+    for (int i = 0; i < 8; ++i) draws.insert(draws.end(), {kHalf, 0});
+    draws.insert(draws.end(), {0, 0, 0, 0, kQuarter, 0, kThreeQuarters, 0});
+    for (int i = 0; i < 6; ++i) draws.insert(draws.end(), {kHalf, 0});
+    EffectRig rig(EffectKind::Faller, {}, 640, 480);
+    ScriptRandoms(draws);
+    rig.Frame(0);
+    rig.Deliver();
+    const auto photos = OfOp(rig.Frame(7000), Op::DrawBitmap);
+    EXPECT_FLOAT_EQ(photos.at(1).transform.dx, 320);
+    EXPECT_FLOAT_EQ(photos.at(3).transform.dx, 640 * 0.275f);
+}
+
 } // namespace

@@ -2,6 +2,7 @@
 // link-time seam of the logic in one place. Each hands the call to an in-memory stand-in that
 // the tests set up and read back.
 #include <cwctype>
+#include <vector>
 
 #include "diagnostics/log.h"
 #include "library/file_tree.h"
@@ -20,6 +21,7 @@ namespace {
 
 uint32_t nextRandom = 0;
 uint32_t randomsDrawn = 0;
+std::vector<uint32_t> scriptedRandoms; // given first, from the back
 
 const FakeImage* Open(const std::wstring& path) {
     FakeImageFiles& fake = FakeFiles();
@@ -30,10 +32,16 @@ const FakeImage* Open(const std::wstring& path) {
 
 } // namespace
 
-// Consecutive numbers from the one the test set, counted.
+// The scripted numbers, then consecutive numbers from the one the test set, counted.
 uint32_t RandomU32() {
     ++randomsDrawn;
-    return nextRandom++;
+    if (scriptedRandoms.empty()) return nextRandom++;
+    const uint32_t value = scriptedRandoms.back();
+    scriptedRandoms.pop_back();
+    return value;
+}
+void ScriptRandoms(std::vector<uint32_t> values) {
+    scriptedRandoms.assign(values.rbegin(), values.rend());
 }
 void SetNextRandom(uint32_t value) { nextRandom = value; }
 uint32_t RandomDrawCount() { return randomsDrawn; }
