@@ -34,7 +34,8 @@ TEST(Faller, OpensFullUnderAVeilWithPrintsPlacedApartAndBordersByTheWidth) {
         rig.Deliver();
         SetNextRandom(0xFFFFFFFF - 34);
         // The first painted frame lies under an opaque veil; there the last print is at q 0.
-        EXPECT_EQ(OfOp(rig.Frame(start), Op::CreateSolidColorBrush).back().color.a, 1.0f);
+        EXPECT_EQ(OfOp(rig.Frame(start), Op::CreateSolidColorBrush).back().color,
+                  (ColorF{0, 0, 0, 1}));
         // The gradient, then each print's paper; its photo comes after its shadow. The veil lifts.
         const auto frame = rig.Frame(start + 450);
         const auto fills = OfOp(frame, Op::FillRectangle), photos = OfOp(frame, Op::DrawBitmap);
@@ -47,6 +48,7 @@ TEST(Faller, OpensFullUnderAVeilWithPrintsPlacedApartAndBordersByTheWidth) {
             EXPECT_NEAR(photo.transform.dy, 480 * (q * 1.4 - 0.3) + paper.bottom, 1e-3);
             EXPECT_FLOAT_EQ(photo.layerOpacity, static_cast<float>(std::min(q / 0.08, 1.0)));
             EXPECT_NEAR(paper.right - photo.rect.right, border, 1e-4);
+            EXPECT_NEAR(paper.bottom - photo.rect.bottom, border, 1e-4);
         }
         const Matrix3x2F& m = photos.at(3).transform; // print 1 at q 0.5375
         EXPECT_NEAR(m.dx, width * x, 1e-3);

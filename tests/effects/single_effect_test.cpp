@@ -221,8 +221,11 @@ TEST(Captions, ScaleWithTheWindowAndVanishWithAnEmptyTitle) {
     EXPECT_EQ(formats.back().text, L"Segoe UI");
     EXPECT_EQ(formats.back().font.weight, 300);
     EXPECT_FLOAT_EQ(formats.back().font.size, 38.4f);
-    const auto brushes = OfOp(rig.log->calls, Op::SetColor);
-    EXPECT_EQ(brushes.back().color, (ColorF{1, 1, 1, 1}));
+    // One brush, black for the copy, then white; the text wraps from the leading edge.
+    EXPECT_EQ(rig.log->Calls(Op::CreateSolidColorBrush).back().color, (ColorF{0, 0, 0, 1}));
+    EXPECT_EQ(rig.log->Calls(Op::SetColor).back().color, (ColorF{1, 1, 1, 1}));
+    EXPECT_EQ(rig.log->Calls(Op::SetTextAlignment).back().value, int(TextAlignment::Leading));
+    EXPECT_EQ(rig.log->Calls(Op::SetWordWrapping).back().value, int(WordWrapping::Wrap));
 
     EffectRig plain(EffectKind::Fader, {0, false}); // photos come without captions
     plain.source.titleFlags = {false, false};
