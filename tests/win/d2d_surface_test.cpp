@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/win_handles.h"
-#include "win/win_test_support.h"
+#include "win/pixel_near.h"
 
 namespace {
 
@@ -68,11 +68,16 @@ uint32_t Pixel(HWND window, int x, int y) {
 }
 
 TEST(D2dSurface, TransformsOpacityGradientAndColoursShowWhereAsked) {
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = DefWindowProcW;
+    windowClass.hInstance = GetModuleHandleW(nullptr);
+    windowClass.lpszClassName = L"LumivaneSurfaceTest";
+    RegisterClassW(&windowClass);
     // Never hidden or destroyed: under Wine without a window manager, that waits two seconds for
     // a state change that never comes. It goes with the process.
-    const HWND window = MakeTestWindow(L"LumivaneSurfaceTest", DefWindowProcW, WS_EX_TOPMOST,
-                                       WS_POPUP | WS_VISIBLE,
-                                       {120, 90, 120 + kWidth, 90 + kHeight});
+    const HWND window = CreateWindowExW(WS_EX_TOPMOST, windowClass.lpszClassName, L"",
+                                        WS_POPUP | WS_VISIBLE, 120, 90, kWidth, kHeight, nullptr,
+                                        nullptr, windowClass.hInstance, nullptr);
     std::shared_ptr<DrawingFactories> factories;
     ASSERT_TRUE(window && LoadDrawingFactories(factories));
     const auto surface = CreateHwndSurface(*factories, window, kWidth, kHeight, true);

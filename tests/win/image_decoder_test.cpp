@@ -12,7 +12,7 @@
 #include "platform/win_handles.h"
 #include "platform/window_thread_win.h"
 #include "win/image_test_files.h"
-#include "win/win_test_support.h"
+#include "win/pixel_near.h"
 
 namespace {
 
