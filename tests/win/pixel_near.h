@@ -10,6 +10,7 @@
 inline ::testing::AssertionResult Near(uint32_t pixel, uint32_t expected, int tolerance) {
     for (int shift = 0; shift <= 24; shift += 8)
         if (std::abs(int(pixel >> shift & 0xFF) - int(expected >> shift & 0xFF)) > tolerance)
-            return ::testing::AssertionFailure() << std::hex << pixel << " is not near " << expected;
+            return ::testing::AssertionFailure()
+                   << std::hex << pixel << " is not near " << expected;
     return ::testing::AssertionSuccess();
 }

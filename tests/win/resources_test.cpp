@@ -5,18 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <string_view>
 #include <vector>
 
 namespace {
-
-std::string_view Resource(HMODULE module, LPCWSTR type, LPCWSTR name) {
-    HRSRC found = FindResourceW(module, name, type);
-    HGLOBAL loaded = found ? LoadResource(module, found) : nullptr;
-    const void* bytes = loaded ? LockResource(loaded) : nullptr;
-    return bytes ? std::string_view(static_cast<const char*>(bytes), SizeofResource(module, found))
-                 : std::string_view();
-}
 
 TEST(Resources, NameVersionIconAndManifestAreTheSavers) {
     const wchar_t* path = _wgetenv(L"LUMIVANE_SCR");
@@ -26,27 +19,27 @@ TEST(Resources, NameVersionIconAndManifestAreTheSavers) {
     ASSERT_NE(program, nullptr);
 
     wchar_t name[64] = {};
-    ASSERT_GT(LoadStringW(program, 1, name, 64), 0);
-    EXPECT_STREQ(name, L"Lumivane");
-    EXPECT_FALSE(Resource(program, RT_GROUP_ICON, MAKEINTRESOURCEW(100)).empty());
+    EXPECT_TRUE(LoadStringW(program, 1, name, 64) > 0 && std::wstring(name) == L"Lumivane");
+    EXPECT_TRUE(FindResourceW(program, MAKEINTRESOURCEW(100), RT_GROUP_ICON));
 
     std::vector<char> version(GetFileVersionInfoSizeW(path, nullptr));
-    ASSERT_TRUE(!version.empty() &&
-                GetFileVersionInfoW(path, 0, static_cast<DWORD>(version.size()), version.data()));
     VS_FIXEDFILEINFO* fixed = nullptr;
     wchar_t* text = nullptr;
     UINT size = 0;
-    ASSERT_TRUE(VerQueryValueW(version.data(), L"\\", reinterpret_cast<void**>(&fixed), &size));
-    EXPECT_EQ(fixed->dwFileVersionMS, (6u << 16) | 2u);
-    EXPECT_EQ(fixed->dwFileVersionLS, 4u << 16);
-    ASSERT_TRUE(VerQueryValueW(version.data(), L"\\StringFileInfo\\000004b0\\FileVersion",
+    ASSERT_TRUE(!version.empty() &&
+                GetFileVersionInfoW(path, 0, static_cast<DWORD>(version.size()), version.data()) &&
+                VerQueryValueW(version.data(), L"\\", reinterpret_cast<void**>(&fixed), &size) &&
+                VerQueryValueW(version.data(), L"\\StringFileInfo\\000004b0\\FileVersion",
                                reinterpret_cast<void**>(&text), &size));
+    EXPECT_EQ(uint64_t{fixed->dwFileVersionMS} << 32 | fixed->dwFileVersionLS, 0x0006000200040000u);
     EXPECT_STREQ(text, L"6.2.4");
 
     // Windows ignores a setting in the wrong namespace without a word, so each is matched with
     // its namespace.
-    const std::string_view manifest =
-        Resource(program, RT_MANIFEST, CREATEPROCESS_MANIFEST_RESOURCE_ID);
+    HRSRC found = FindResourceW(program, CREATEPROCESS_MANIFEST_RESOURCE_ID, RT_MANIFEST);
+    ASSERT_TRUE(found);
+    const auto* bytes = static_cast<const char*>(LockResource(LoadResource(program, found)));
+    const std::string_view manifest(bytes, SizeofResource(program, found));
     for (const char* entry : {
              "<requestedExecutionLevel level=\"asInvoker\"",
              "<dpiAware xmlns=\"http://schemas.microsoft.com/SMI/2005/WindowsSettings\">true/pm<",
