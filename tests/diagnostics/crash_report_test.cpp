@@ -109,11 +109,10 @@ TEST(CrashReport, FileNameIsTimeAndProcessInTheCrashFolder) {
 
 TEST(CrashReport, AccessDetailNamesTheOperation) {
     char detail[kDetailSize];
-    const char* const expected[] = {"reading 0x0000000000000010", "writing 0x0000000000000010",
-                                    "executing 0x0000000000000010"};
-    for (uint64_t operation : {0, 1, 8}) {
+    for (const auto& [operation, word] :
+         {std::pair{0, "reading"}, {1, "writing"}, {8, "executing"}}) {
         FormatAccessDetail(detail, operation, 0x10);
-        EXPECT_STREQ(detail, expected[operation > 1 ? 2 : operation]);
+        EXPECT_EQ(std::string(detail), std::string(word) + " 0x0000000000000010");
     }
 }
 
@@ -126,12 +125,10 @@ TEST(CrashReport, ShortWalkFallsBackToTheBacktraceFromTheCrashedPc) {
         int expectedCount;
         uint64_t expectedFirst;
     };
-    const Case cases[] = {
-        {6, 0xbad, 1, 4, 0xbad},  // from the crashed pc on, the dispatcher's frames left out
-        {6, 0xbad, 5, 5, 0xbad},  // copied, but the walk had more
-        {6, 0x999, 1, 1, 0x111},  // pc not in the backtrace: nothing changes
-        {0, 0xbad, 2, 2, 0x111},  // no backtrace (stack overflow, hooks)
-    };
+    // From the crashed pc on, the dispatcher's frames left out; copied, but the walk had more;
+    // a pc not in the backtrace changes nothing, nor does no backtrace (stack overflow, hooks).
+    const Case cases[] = {{6, 0xbad, 1, 4, 0xbad}, {6, 0xbad, 5, 5, 0xbad},
+                          {6, 0x999, 1, 1, 0x111}, {0, 0xbad, 2, 2, 0x111}};
     for (const Case& c : cases) {
         uint64_t frames[kMaxFrames] = {0x111, 0x222, 0x333, 0x444, 0x555};
         EXPECT_EQ(FallBackToBacktrace(backtrace, c.backtraceCount, c.pc, frames, c.walked),

@@ -33,6 +33,7 @@ TEST(JsonReader, StringsKeepTheirEscapeRules) {
         {R"("\ud83dx")", "\xEF\xBF\xBDx"},
         {R"("\udc00")", "\xEF\xBF\xBD"},
         {R"("\ud800\udc00\u0800")", "\xF0\x90\x80\x80\xE0\xA0\x80"},
+        {R"("\udbff\udfff")", "\xF4\x8F\xBF\xBF"}, // the highest code point
         {R"("\uD83D\u0041")", "\xEF\xBF\xBD"}, // the second escape is used up all the same
         {R"("\u00e9\u20AC")", "\xC3\xA9\xE2\x82\xAC"},
         {R"("\u0000")", std::string(1, '\0')},

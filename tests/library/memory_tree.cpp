@@ -37,10 +37,8 @@ uint32_t MemoryTree::Attributes(const std::wstring& path) {
 }
 
 bool MemoryTree::Move(const std::wstring& from, const std::wstring& to) {
-    if (!Has(from)) return Fail(2);                            // ERROR_FILE_NOT_FOUND
-    if (Has(to)) return Fail(183);                             // ERROR_ALREADY_EXISTS
-    if (!Has(Parent(to))) return Fail(3);                      // ERROR_PATH_NOT_FOUND
-    if (stuck.count(from)) return Fail(5);                     // ERROR_ACCESS_DENIED
+    if (!Has(from) || Has(to) || !Has(Parent(to))) return Fail(183); // never replaces
+    if (stuck.count(from)) return Fail(5);                            // ERROR_ACCESS_DENIED
     const std::wstring key = LowerCase(from);
     std::map<std::wstring, Node> moved;
     for (auto it = nodes.begin(); it != nodes.end();) {
@@ -59,8 +57,7 @@ bool MemoryTree::Move(const std::wstring& from, const std::wstring& to) {
 }
 
 bool MemoryTree::CreateFolder(const std::wstring& path) {
-    if (Has(path)) return Fail(183);
-    if (!Has(Parent(path))) return Fail(3);
+    if (Has(path) || !Has(Parent(path))) return Fail(183);
     Add(path, kDirectoryBit);
     return true;
 }

@@ -25,16 +25,14 @@ private:
 
 class StdThread final : public WorkQueue::Thread {
 public:
-    StdThread(StdWorkQueueSystem& system, std::shared_future<void> ended)
-        : system(system), ended(std::move(ended)) {}
+    StdThread(bool overrun, std::shared_future<void> ended)
+        : overrun(overrun), ended(std::move(ended)) {}
     void Wait(uint32_t milliseconds) override {
-        if (system.beforeWait) system.beforeWait();
-        system.waits.push_back(milliseconds);
-        if (!system.overrun) ended.wait_for(std::chrono::milliseconds(milliseconds));
+        if (!overrun) ended.wait_for(std::chrono::milliseconds(milliseconds));
     }
 
 private:
-    StdWorkQueueSystem& system;
+    bool overrun;
     std::shared_future<void> ended;
 };
 
@@ -50,7 +48,7 @@ std::unique_ptr<WorkQueue::Thread> StdWorkQueueSystem::StartThread(std::function
                        main();
                        main = nullptr; // what the thread owns goes before it counts as ended
                    }).share());
-    return std::make_unique<StdThread>(*this, runs.back());
+    return std::make_unique<StdThread>(overrun, runs.back());
 }
 
 void StdWorkQueueSystem::Notify(WindowHandle window, uint32_t message) {

@@ -24,11 +24,8 @@ public:
     bool WaitForNotifies(size_t count);
     std::vector<std::pair<WindowHandle, uint32_t>> Notifies(); // as (window, message)
 
-    // Knobs and records of the queue's waits for its thread.
-    bool failThreads = false;         // StartThread gives null
-    bool overrun = false;             // a wait gives up at once, as after the bound
-    std::function<void()> beforeWait; // runs as a wait begins: after the stop flag was set
-    std::vector<uint32_t> waits;      // the bound of each wait, in milliseconds
+    bool failThreads = false; // StartThread gives null
+    bool overrun = false;     // a wait for a thread gives up at once, as after its bound
 
 private:
     std::mutex lock;
