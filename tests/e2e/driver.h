@@ -37,14 +37,11 @@ bool WaitUntil(Predicate done, DWORD timeoutMs, DWORD pollMs = 5) {
     return true;
 }
 
-inline std::wstring DriverPath() {
-    wchar_t self[MAX_PATH] = {};
-    return std::wstring(self, GetModuleFileNameW(nullptr, self, MAX_PATH));
-}
-
+// A file in the folder of the driver, lumivane_e2e.exe.
 inline std::wstring BesideDriver(const std::wstring& name) {
-    const std::wstring self = DriverPath();
-    return self.substr(0, self.rfind(L'\\') + 1) + name;
+    wchar_t self[MAX_PATH] = {};
+    const std::wstring path(self, GetModuleFileNameW(nullptr, self, MAX_PATH));
+    return path.substr(0, path.rfind(L'\\') + 1) + name;
 }
 
 // Lumivane.scr: `--scr <path>` of the driver, else LUMIVANE_SCR, else one folder above the driver.
@@ -81,13 +78,7 @@ inline bool WriteJpeg(const std::wstring& path, uint32_t colour) {
                          600 * 3, pixels.data());
 }
 
-// ---- input ----
-
-inline RECT DesktopRect() {
-    const int left = GetSystemMetrics(SM_XVIRTUALSCREEN), top = GetSystemMetrics(SM_YVIRTUALSCREEN);
-    return {left, top, left + GetSystemMetrics(SM_CXVIRTUALSCREEN),
-            top + GetSystemMetrics(SM_CYVIRTUALSCREEN)};
-}
+// ---- input; the harness's desktop starts at 0,0, with its two monitors side by side ----
 
 inline void PressKey(WORD virtualKey) {
     INPUT keys[2] = {{INPUT_KEYBOARD}, {INPUT_KEYBOARD}};
@@ -103,13 +94,12 @@ inline void PressKey(WORD virtualKey) {
 // of the virtual desktop, rounded up so that the system's truncating conversion back lands on
 // the pixel asked for.
 inline bool MoveMouseTo(int x, int y) {
-    const RECT d = DesktopRect();
-    const auto scale = [](int value, LONG from, LONG to) {
-        return static_cast<LONG>((LONGLONG{value - from} * 65536 + to - from - 1) / (to - from));
+    const auto scale = [](int value, int size) {
+        return static_cast<LONG>((LONGLONG{value} * 65536 + size - 1) / size);
     };
     INPUT move{INPUT_MOUSE};
-    move.mi.dx = scale(x, d.left, d.right);
-    move.mi.dy = scale(y, d.top, d.bottom);
+    move.mi.dx = scale(x, GetSystemMetrics(SM_CXVIRTUALSCREEN));
+    move.mi.dy = scale(y, GetSystemMetrics(SM_CYVIRTUALSCREEN));
     move.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | MOUSEEVENTF_VIRTUALDESK;
     SendInput(1, &move, sizeof(INPUT));
     POINT at{};
@@ -142,17 +132,16 @@ inline int Off(uint32_t a, uint32_t b) {
     return most;
 }
 
-// What the screen shows in `rect`, read back with GDI; presented Direct2D output included.
-inline Image CaptureScreen(const RECT& rect = DesktopRect()) {
-    Image image{rect.right - rect.left, rect.bottom - rect.top, {}};
+// What the desktop shows, read back with GDI; presented Direct2D output included.
+inline Image CaptureScreen() {
+    Image image{GetSystemMetrics(SM_CXVIRTUALSCREEN), GetSystemMetrics(SM_CYVIRTUALSCREEN), {}};
     image.pixels.resize(static_cast<size_t>(image.width) * image.height);
     BITMAPINFO info{{sizeof info.bmiHeader, image.width, -image.height, 1, 32, BI_RGB}};
     HDC screen = GetDC(nullptr);
     HDC memory = CreateCompatibleDC(screen);
     HBITMAP bitmap = CreateCompatibleBitmap(screen, image.width, image.height);
     HGDIOBJ old = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, image.width, image.height, screen, rect.left, rect.top,
-           SRCCOPY | CAPTUREBLT);
+    BitBlt(memory, 0, 0, image.width, image.height, screen, 0, 0, SRCCOPY | CAPTUREBLT);
     SelectObject(memory, old);
     if (!GetDIBits(memory, bitmap, 0, image.height, image.pixels.data(), &info, DIB_RGB_COLORS))
         image.pixels.clear();
@@ -190,29 +179,32 @@ inline std::vector<RECT> MonitorRects() {
 
 // ---- the saver's process and windows ----
 
-struct Saver {
-    HANDLE process = nullptr;
-    DWORD id = 0;
-};
-
-inline Saver Launch(const std::wstring& arguments, const std::wstring& program = SaverPath()) {
+// Starts the saver (or `program`) with `arguments`; all zero when it can't be started.
+inline PROCESS_INFORMATION Launch(const std::wstring& arguments,
+                                  const std::wstring& program = SaverPath()) {
     std::wstring commandLine = L"\"" + program + L"\" " + arguments;
     STARTUPINFOW startup{sizeof startup};
-    PROCESS_INFORMATION info{};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                        &startup, &info))
-        return {};
-    CloseHandle(info.hThread);
-    return {info.hProcess, info.dwProcessId};
+    PROCESS_INFORMATION saver{};
+    CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                   &startup, &saver);
+    return saver;
 }
 
 // The exit code once the saver has ended within `timeoutMs`, nothing otherwise.
-inline std::optional<DWORD> ExitCode(const Saver& saver, DWORD timeoutMs) {
+inline std::optional<DWORD> ExitCode(const PROCESS_INFORMATION& saver, DWORD timeoutMs) {
     DWORD code = 0;
-    if (WaitForSingleObject(saver.process, timeoutMs) != WAIT_OBJECT_0 ||
-        !GetExitCodeProcess(saver.process, &code))
+    if (WaitForSingleObject(saver.hProcess, timeoutMs) != WAIT_OBJECT_0 ||
+        !GetExitCodeProcess(saver.hProcess, &code))
         return std::nullopt;
     return code;
+}
+
+// Ends a saver that still runs, and lets go of its handles.
+inline void EndSaver(const PROCESS_INFORMATION& saver) {
+    TerminateProcess(saver.hProcess, 0xDEAD);
+    WaitForSingleObject(saver.hProcess, 5000);
+    CloseHandle(saver.hProcess);
+    CloseHandle(saver.hThread);
 }
 
 // Windows of class "LumivaneSaver": the children of `parent`, or without one the top-level
@@ -248,8 +240,8 @@ inline std::atomic<int> settingsRequests{0};
 
 // A window with a thread and message loop of its own: the saver talks to it from another
 // process (a preview child sends its parent messages as it is made, the settings handoff posts
-// to the tray), so it must keep pumping while the test thread waits. Without a size it stays
-// hidden; shown, it never takes the focus.
+// to the tray), so it must keep pumping while the test thread waits. Without a size (of the
+// whole window) it stays hidden; shown, it never takes the focus.
 class DriverWindow {
 public:
     DriverWindow(const wchar_t* className, DWORD style, int width = 0, int height = 0) {
@@ -262,14 +254,10 @@ public:
                 return DefWindowProcW(w, message, wp, lp);
             };
             windowClass.hInstance = GetModuleHandleW(nullptr);
-            windowClass.hbrBackground = static_cast<HBRUSH>(GetStockObject(GRAY_BRUSH));
             windowClass.lpszClassName = className;
             RegisterClassW(&windowClass); // a second window of the class finds it registered
-            RECT frame{0, 0, width, height};
-            AdjustWindowRect(&frame, style, FALSE);
-            HWND window = CreateWindowExW(0, className, L"", style, 40, 40,
-                                          frame.right - frame.left, frame.bottom - frame.top,
-                                          nullptr, nullptr, windowClass.hInstance, nullptr);
+            HWND window = CreateWindowExW(0, className, L"", style, 40, 40, width, height, nullptr,
+                                          nullptr, windowClass.hInstance, nullptr);
             if (window && width) ShowWindow(window, SW_SHOWNOACTIVATE);
             made.set_value(window);
             MSG message;
@@ -277,8 +265,6 @@ public:
         });
         hwnd = made.get_future().get();
     }
-    DriverWindow(const DriverWindow&) = delete;
-    DriverWindow& operator=(const DriverWindow&) = delete;
     ~DriverWindow() { Destroy(); }
 
     // Destroys the window on its own thread and waits for that thread to end.
@@ -296,27 +282,21 @@ private:
 
 // ---- the fixture ----
 
-// Base of every scenario: starts from the saver's default options; the savers it started end
-// with it, whatever the outcome.
+// Base of every scenario: starts from the saver's default options; the one saver it starts
+// ends with it, whatever the outcome.
 class SaverTest : public ::testing::Test {
 protected:
     void SetUp() override {
         RegDeleteTreeW(HKEY_CURRENT_USER, kSaverKey);
         SetCursorPos(kRestingCursor.x, kRestingCursor.y);
     }
-    void TearDown() override {
-        for (const Saver& saver : savers) {
-            TerminateProcess(saver.process, 0xDEAD);
-            WaitForSingleObject(saver.process, 5000);
-            CloseHandle(saver.process);
-        }
-    }
+    void TearDown() override { EndSaver(saver); }
 
     // Starts the saver (or `program`) with `arguments`; the test fails when it can't be started.
-    Saver Start(const std::wstring& arguments, const std::wstring& program = SaverPath()) {
-        savers.push_back(Launch(arguments, program));
-        EXPECT_TRUE(savers.back().process) << "can't start " << testing::PrintToString(program);
-        return savers.back();
+    DWORD Start(const std::wstring& arguments, const std::wstring& program = SaverPath()) {
+        saver = Launch(arguments, program);
+        EXPECT_TRUE(saver.hProcess) << "can't start " << testing::PrintToString(program);
+        return saver.dwProcessId;
     }
 
     // Starts `/s` (of `program`) with the cursor at kRestingCursor; expects one top-most window
@@ -327,7 +307,7 @@ protected:
         SetCursorPos(kRestingCursor.x, kRestingCursor.y);
         const std::vector<RECT> monitors = MonitorRects();
         EXPECT_EQ(monitors.size(), 2u) << "the harness runs two screens";
-        std::vector<HWND> windows = WaitForSaverWindows(Start(L"/s", program).id, nullptr, 2);
+        std::vector<HWND> windows = WaitForSaverWindows(Start(L"/s", program), nullptr, 2);
         for (const RECT& monitor : monitors) {
             const auto covers = [&](HWND hwnd) {
                 RECT rect{};
@@ -345,13 +325,13 @@ protected:
         return windows;
     }
 
-    // Expects the run started last to end with exit code 0 within kExitMs.
+    // Expects the run to end with exit code 0 within kExitMs.
     void ExpectExitZero() {
-        EXPECT_EQ(ExitCode(savers.back(), kExitMs), std::optional<DWORD>(0))
+        EXPECT_EQ(ExitCode(saver, kExitMs), std::optional<DWORD>(0))
             << "the saver must end with 0 within " << kExitMs << " ms";
     }
 
-    std::vector<Saver> savers;
+    PROCESS_INFORMATION saver{};
 };
 
 } // namespace e2e

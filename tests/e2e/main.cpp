@@ -9,12 +9,11 @@
 //   --set <name>=<text>  writes the string option <name> of the saver first (SaverShow=slider)
 //   --settings           no tests: stands in for the companion program, Lumivane.exe: writes
 //                        its command line into started.txt beside itself and ends
-#include <windows.h>
+#include "e2e/driver.h"
+
 #include <shellapi.h>
 
 #include <cstdio>
-
-#include "e2e/driver.h"
 
 namespace {
 
@@ -22,9 +21,10 @@ int Capture(const std::wstring& folder, int shots, DWORD intervalMs) {
     using namespace e2e;
     std::error_code ignored;
     std::filesystem::create_directories(folder, ignored);
-    const Saver saver = Launch(L"/s");
+    const PROCESS_INFORMATION saver = Launch(L"/s");
     int result = 3;
-    if (saver.process && !WaitForSaverWindows(saver.id, nullptr, MonitorRects().size()).empty()) {
+    const size_t monitors = MonitorRects().size();
+    if (saver.hProcess && !WaitForSaverWindows(saver.dwProcessId, nullptr, monitors).empty()) {
         int saved = 0;
         for (int shot = 1; shot <= shots && !ExitCode(saver, 0); ++shot) {
             Sleep(intervalMs);
@@ -39,8 +39,7 @@ int Capture(const std::wstring& folder, int shots, DWORD intervalMs) {
         std::fprintf(stderr, "capture: %ls opened no window\n", SaverPath().c_str());
     }
     std::fflush(stdout);
-    TerminateProcess(saver.process, 0xDEAD); // a run that is still there
-    CloseHandle(saver.process);
+    EndSaver(saver); // a run that is still there
     return result;
 }
 
@@ -61,12 +60,10 @@ int main() {
     int shots = 4;
     DWORD intervalMs = 2000;
     for (int i = 1; i < argc; i += 2) {
-        const std::wstring option = argv[i], value = i + 1 < argc ? argv[i + 1] : L"";
+        std::wstring option = argv[i];
+        const std::wstring value = i + 1 < argc ? argv[i + 1] : L"";
         const size_t equals = value.find(L'=');
-        if (value.empty()) {
-            std::fprintf(stderr, "option %ls lacks its value\n", argv[i]);
-            return 2;
-        }
+        if (value.empty()) option.clear(); // an option without its value
         if (option == L"--scr") e2e::scrOption = value;
         else if (option == L"--capture") folder = value;
         else if (option == L"--shots") shots = _wtoi(value.c_str());
@@ -74,7 +71,7 @@ int main() {
         else if (option == L"--set" && equals != value.npos)
             e2e::SetOption(value.substr(0, equals).c_str(), value.substr(equals + 1));
         else {
-            std::fprintf(stderr, "unknown option %ls\n", argv[i]);
+            std::fprintf(stderr, "can't use option %ls %ls\n", argv[i], value.c_str());
             return 2;
         }
     }

@@ -1,16 +1,10 @@
 // How a run starts and ends: input of a user, the preview inside a host window, command lines
 // that open no saver window (the settings handoff among them), and the first start of a user.
-#include <windows.h>
-#include <knownfolders.h>
+#include "e2e/driver.h"
+
 #include <shlobj.h>
 
 #include <fstream>
-#include <iterator>
-#include <optional>
-#include <string>
-#include <vector>
-
-#include "e2e/driver.h"
 
 namespace e2e {
 namespace {
@@ -50,7 +44,7 @@ TEST_P(InputTest, OnlyRealInputHidesEveryWindowAtOnceAndEndsWithZero) {
     EXPECT_EQ(WaitUntil(hidden, input.dismisses ? 1000 : kSettleMs, 1), input.dismisses)
         << "every window hidden within a second of the input";
     if (input.dismisses) ExpectExitZero();
-    else EXPECT_FALSE(ExitCode(savers.back(), 0)) << "ended by a small move";
+    else EXPECT_FALSE(ExitCode(saver, 0)) << "ended by a small move";
 }
 
 INSTANTIATE_TEST_SUITE_P(Input, InputTest, ::testing::ValuesIn(kInputs),
@@ -58,21 +52,19 @@ INSTANTIATE_TEST_SUITE_P(Input, InputTest, ::testing::ValuesIn(kInputs),
 
 TEST_F(SaverTest, PreviewFillsItsHostIgnoresInputAndEndsWithTheHost) {
     DriverWindow host(L"LumivaneE2EPreviewHost", WS_OVERLAPPED | WS_CAPTION | WS_CLIPCHILDREN,
-                      320, 200);
-    const Saver saver = Start(L"/p " + std::to_wstring(reinterpret_cast<UINT_PTR>(host.hwnd)));
+                      320, 240);
+    const DWORD id = Start(L"/p " + std::to_wstring(reinterpret_cast<UINT_PTR>(host.hwnd)));
     const std::vector<HWND> children = WaitForSaverWindows(0, host.hwnd, 1);
     ASSERT_EQ(children.size(), 1u) << "one child window in the host";
     RECT area{}, client{};
     GetWindowRect(children[0], &area);
     GetClientRect(host.hwnd, &client);
     MapWindowPoints(host.hwnd, nullptr, reinterpret_cast<POINT*>(&client), 2);
-    EXPECT_TRUE(EqualRect(&area, &client))
-        << "child at " << area.left << "," << area.top << " to " << area.right << "," << area.bottom;
-    EXPECT_TRUE(SaverWindows(saver.id).empty()) << "no full-screen window";
+    EXPECT_TRUE(EqualRect(&area, &client)) << "the child from " << area.left << "," << area.top
+                                           << " to " << area.right << "," << area.bottom;
+    EXPECT_TRUE(SaverWindows(id).empty()) << "no full-screen window";
 
-    MoveMouseTo(area.left + 20, area.top + 20);
-    MoveMouseTo(area.left + 120, area.top + 90);
-    Click(MOUSEEVENTF_LEFTDOWN, area.left + 100, area.top + 100);
+    Click(MOUSEEVENTF_LEFTDOWN, area.left + 100, area.top + 100); // a move into it first
     PostMessageW(children[0], WM_KEYDOWN, VK_SPACE, 0); // the host has no focus to give it keys
     EXPECT_FALSE(ExitCode(saver, kSettleMs)) << "input ended the preview";
     EXPECT_TRUE(IsWindowVisible(children[0]));
@@ -106,22 +98,23 @@ TEST_P(QuietRunTest, EndsWithZeroAndNoSaverWindowHandingOverTheSettingsOnce) {
     // The saver as a user installed it, alone or with the companion program: the driver, which
     // then only writes down how it was started. A folder per case: a companion that is still
     // ending keeps its file from being deleted.
-    const std::wstring folder = FreshFolder(run.name), saver = folder + L"\\Lumivane.scr";
-    ASSERT_TRUE(CopyFileW(SaverPath().c_str(), saver.c_str(), FALSE));
+    const std::wstring folder = FreshFolder(run.name), installed = folder + L"\\Lumivane.scr";
+    ASSERT_TRUE(CopyFileW(SaverPath().c_str(), installed.c_str(), FALSE));
     if (run.companion)
-        ASSERT_TRUE(CopyFileW(DriverPath().c_str(), (folder + L"\\Lumivane.exe").c_str(), FALSE));
+        ASSERT_TRUE(CopyFileW(BesideDriver(L"lumivane_e2e.exe").c_str(),
+                              (folder + L"\\Lumivane.exe").c_str(), FALSE));
     SetOption(L"Language", L"de");
     std::optional<DriverWindow> tray;
     if (run.tray) tray.emplace(L"LumivaneTray", WS_OVERLAPPED);
     const int requests = settingsRequests;
 
-    const Saver started = Start(run.arguments, saver);
+    const DWORD id = Start(run.arguments, installed);
     HWND box = nullptr;
     bool sawWindow = false;
     WaitUntil(
         [&] {
-            sawWindow = sawWindow || !SaverWindows(started.id).empty();
-            return (box = FindWindowW(L"#32770", L"Lumivane")) || ExitCode(started, 0);
+            sawWindow = sawWindow || !SaverWindows(id).empty();
+            return (box = FindWindowW(L"#32770", L"Lumivane")) || ExitCode(saver, 0);
         },
         kWindowsMs);
     ASSERT_EQ(box != nullptr, settings && !run.tray && !run.companion) << "a message box";
@@ -153,18 +146,13 @@ INSTANTIATE_TEST_SUITE_P(Switches, QuietRunTest, ::testing::ValuesIn(kQuietRuns)
 // A user's first start makes the folders and stores the photo directory (that a later start
 // changes nothing is a host test).
 TEST_F(SaverTest, FirstStartOfAUserMakesItsFoldersAndStoresThePhotoDirectory) {
-    const auto known = [](const GUID& id) {
-        PWSTR path = nullptr;
-        std::wstring result;
-        if (SUCCEEDED(SHGetKnownFolderPath(id, 0, nullptr, &path))) result = path;
-        CoTaskMemFree(path);
-        return result;
-    };
-    const std::wstring local = known(FOLDERID_LocalAppData), documents = known(FOLDERID_Documents);
-    ASSERT_FALSE(local.empty() || documents.empty());
-    const std::wstring dataDir = local + L"\\Lumivane", photoTree = documents + L"\\Lumivane";
+    wchar_t local[MAX_PATH] = {}, documents[MAX_PATH] = {};
+    ASSERT_EQ(SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, 0, local), S_OK);
+    ASSERT_EQ(SHGetFolderPathW(nullptr, CSIDL_PERSONAL, nullptr, 0, documents), S_OK);
+    const std::wstring dataDir = local + std::wstring(L"\\Lumivane");
+    const std::wstring photoTree = documents + std::wstring(L"\\Lumivane");
     // A user who never ran the saver: no data folder, no photo tree, no key (cleared by SetUp).
-    for (const std::wstring& folder : {dataDir, local + L"\\LumivaneW", photoTree})
+    for (const std::wstring& folder : {dataDir, dataDir + L"W", photoTree})
         fs::remove_all(folder);
     DriverWindow tray(L"LumivaneTray", WS_OVERLAPPED); // takes the settings, so no box waits
 
@@ -172,14 +160,13 @@ TEST_F(SaverTest, FirstStartOfAUserMakesItsFoldersAndStoresThePhotoDirectory) {
     ExpectExitZero();
     wchar_t imports[MAX_PATH] = {};
     DWORD bytes = sizeof imports;
-    RegGetValueW(HKEY_CURRENT_USER, kSaverKey, L"ImportsDir", RRF_RT_REG_SZ, nullptr, imports,
-                 &bytes);
-    EXPECT_EQ(imports, documents);
+    RegGetValueW(HKEY_CURRENT_USER, kSaverKey, L"ImportsDir", RRF_RT_REG_SZ, 0, imports, &bytes);
+    EXPECT_EQ(std::wstring(imports), documents);
     for (const std::wstring& folder :
          {dataDir + L"\\Slides", dataDir + L"\\Updates", photoTree + L"\\Lumivane Wallpaper",
           photoTree + L"\\Lumivane ScreenSaver", photoTree + L"\\Wallpaper Cache"})
         EXPECT_TRUE(fs::is_directory(folder)) << fs::path(folder).string();
-    EXPECT_FALSE(fs::exists(documents + L"\\.lumivane-write-test"));
+    EXPECT_FALSE(fs::exists(photoTree + L"\\..\\.lumivane-write-test"));
 }
 
 } // namespace

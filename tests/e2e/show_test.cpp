@@ -2,11 +2,6 @@
 // Direct2D, or with plain GDI when Direct2D can't be loaded; and the message of a user with no
 // photos. Wine composes layers at full strength (PushLayer is a stub), so the show's pixels are
 // judged only once a photo shows in its own colour, which under a real fade happens too.
-#include <climits>
-#include <cstdlib>
-#include <string>
-#include <vector>
-
 #include "e2e/driver.h"
 
 namespace e2e {
@@ -35,10 +30,12 @@ int PhotoOf(uint32_t pixel) {
 
 bool Dark(uint32_t pixel, int most) { return Off(pixel, 0) <= most; }
 
-// One monitor in a capture of the desktop, from its top left.
+// Monitor `m` in a capture of the desktop, from its top left.
 struct View {
+    View(const Image& shot, const RECT& m)
+        : shot(shot), left(m.left), top(m.top), w(m.right - m.left), h(m.bottom - m.top) {}
     const Image& shot;
-    int left, top, w, h;
+    int left, top, w, h; // the desktop starts at 0,0: the harness's monitors are side by side
 
     uint32_t At(int x, int y) const { return shot.At(left + x, top + y); }
     // Light grey to white pixels from (x0, y0) to (x1, y1): a caption is thin white text with a
@@ -157,18 +154,13 @@ TEST_P(ShowTest, EveryMonitorShowsWhatThePresentationDraws) {
     SetOption(L"SaverTitle", show.title);
     SetOption(L"SaverFit", show.fit);
     StartFullScreen();
-    const RECT desktop = DesktopRect();
     const std::vector<RECT> monitors = MonitorRects();
     std::vector<Seen> seen(monitors.size());
     const bool done = WaitUntil(
         [&] {
             const Image shot = CaptureScreen();
-            for (size_t m = 0; m < monitors.size(); ++m) {
-                const RECT& r = monitors[m];
-                const View view{shot, r.left - desktop.left, r.top - desktop.top,
-                                r.right - r.left, r.bottom - r.top};
-                seen[m].done = seen[m].done || show.looks(show, seen[m], view);
-            }
+            for (size_t m = 0; m < monitors.size(); ++m)
+                seen[m].done = seen[m].done || show.looks(show, seen[m], View(shot, monitors[m]));
             return std::all_of(seen.begin(), seen.end(), [](const Seen& s) { return s.done; });
         },
         45000, 100);
@@ -179,10 +171,10 @@ TEST_P(ShowTest, EveryMonitorShowsWhatThePresentationDraws) {
 INSTANTIATE_TEST_SUITE_P(Show, ShowTest, ::testing::ValuesIn(kShows),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// The white pixels of monitor `m` in `shot` must be `text` in one line at the bottom left, one
-// font height (a 45th of the monitor's) in from the edges, as wide as the caption font sets it.
-void ExpectCaption(const Image& shot, const RECT& m, const std::wstring& text) {
-    const int h = std::max<int>((m.bottom - m.top) / 45, 12);
+// The white pixels of a monitor must be `text` in one line at the bottom left, one font height
+// (a 45th of the monitor's) in from the edges, as wide as the caption font sets it.
+void ExpectCaption(const View& v, const std::wstring& text) {
+    const int h = std::max(v.h / 45, 12);
     HDC dc = CreateCompatibleDC(nullptr);
     HGDIOBJ old = SelectObject(
         dc, CreateFontW(-h, 0, 0, 0, 600, 0, 0, 0, DEFAULT_CHARSET, 0, 0, 5, 0, L"Segoe UI"));
@@ -190,15 +182,15 @@ void ExpectCaption(const Image& shot, const RECT& m, const std::wstring& text) {
     GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
     DeleteObject(SelectObject(dc, old));
     DeleteDC(dc);
-    RECT ink{m.right, m.bottom, m.left, m.top};
-    for (int y = m.top; y < m.bottom; ++y)
-        for (int x = m.left; x < m.right; ++x)
-            if (Off(shot.At(x, y), 0xFFFFFF) < 64)
+    RECT ink{v.w, v.h, 0, 0};
+    for (int y = 0; y < v.h; ++y)
+        for (int x = 0; x < v.w; ++x)
+            if (Off(v.At(x, y), 0xFFFFFF) < 64)
                 ink = {std::min<LONG>(ink.left, x), std::min<LONG>(ink.top, y),
                        std::max<LONG>(ink.right, x + 1), y + 1};
-    EXPECT_NEAR(ink.left - m.left, h, 3) << "left edge of the caption";
+    EXPECT_NEAR(ink.left, h, 3) << "left edge of the caption";
     EXPECT_NEAR(ink.right - ink.left, size.cx, 4) << "width of the caption";
-    EXPECT_TRUE(ink.bottom <= m.bottom - h + 1 && ink.top >= m.bottom - 3 * h)
+    EXPECT_TRUE(ink.bottom <= v.h - h + 1 && ink.top >= v.h - 3 * h)
         << ink.top << "-" << ink.bottom;
 }
 
@@ -209,7 +201,7 @@ TEST_F(SaverTest, WithoutPhotosEveryMonitorShowsTheMessageInTheUsersLanguage) {
     Sleep(1500);
     const Image shot = KeepShot(L"no-photos-de");
     for (const RECT& monitor : MonitorRects())
-        ExpectCaption(shot, monitor,
+        ExpectCaption(View(shot, monitor),
                       L"Lumivane hat noch keine Fotos. Öffnen Sie es über den Infobereich, um sich "
                       L"anzumelden.");
     PressKey(VK_SPACE);
@@ -219,29 +211,26 @@ TEST_F(SaverTest, WithoutPhotosEveryMonitorShowsTheMessageInTheUsersLanguage) {
 TEST_F(SaverTest, WithoutDirect2DPhotosCrossfadeAtThePauseOfSaverPauseWithTheirCaptions) {
     // A copy of the saver under a name of its own, for which Wine disables d2d1.dll (its
     // per-program DllOverrides; WINEDLLOVERRIDES set in here wouldn't reach the child's loader).
-    const std::wstring saver = MakePhotos() + L"\\LumivaneNoD2D.scr";
-    ASSERT_TRUE(CopyFileW(SaverPath().c_str(), saver.c_str(), FALSE));
+    const std::wstring noD2D = MakePhotos() + L"\\LumivaneNoD2D.scr";
+    ASSERT_TRUE(CopyFileW(SaverPath().c_str(), noD2D.c_str(), FALSE));
     RegSetKeyValueW(HKEY_CURRENT_USER,
                     L"Software\\Wine\\AppDefaults\\LumivaneNoD2D.scr\\DllOverrides", L"d2d1",
                     REG_SZ, L"", sizeof(wchar_t));
     const std::vector<RECT> monitors = MonitorRects();
-    StartFullScreen(saver);
+    StartFullScreen(noD2D);
     const ULONGLONG shown = GetTickCount64();
-    const auto centre = [&](size_t m) {
-        const RECT& r = monitors[m];
-        const LONG x = (r.left + r.right) / 2, y = (r.top + r.bottom) / 2;
-        return CaptureScreen({x, y, x + 1, y + 1}).At(0, 0);
-    };
+    const auto centre = [](const View& v) { return v.At(v.w / 2, v.h / 2); };
     Sleep(1500);
     const Image still = KeepShot(L"crossfade-1-still");
     // Two photos over two monitors: the second starts one photo further on.
-    EXPECT_TRUE(Off(centre(0), kColours[0]) < 12 && Off(centre(1), kColours[1]) < 12);
-    ExpectCaption(still, monitors[0], L"Alpha");
-    ExpectCaption(still, monitors[1], L"Beta");
+    EXPECT_LT(Off(centre(View(still, monitors[0])), kColours[0]), 12);
+    EXPECT_LT(Off(centre(View(still, monitors[1])), kColours[1]), 12);
+    ExpectCaption(View(still, monitors[0]), L"Alpha");
+    ExpectCaption(View(still, monitors[1]), L"Beta");
     ULONGLONG fadeStart = 0, fadeEnd = 0;
     WaitUntil(
         [&] {
-            const uint32_t pixel = centre(0);
+            const uint32_t pixel = centre(View(CaptureScreen(), monitors[0]));
             if (!fadeStart && Off(pixel, kColours[0]) >= 12) fadeStart = GetTickCount64();
             return Off(pixel, kColours[1]) < 12 && (fadeEnd = GetTickCount64());
         },
@@ -251,7 +240,7 @@ TEST_F(SaverTest, WithoutDirect2DPhotosCrossfadeAtThePauseOfSaverPauseWithTheirC
     EXPECT_TRUE(fadeStart - shown >= 5000 && fadeStart - shown <= 10000) << fadeStart - shown;
     // A cut would end the change as soon as it began.
     EXPECT_GE(fadeEnd - fadeStart, 2000u) << "a fade takes 100 ticks of 30 ms";
-    ExpectCaption(KeepShot(L"crossfade-2-next"), monitors[0], L"Beta");
+    ExpectCaption(View(KeepShot(L"crossfade-2-next"), monitors[0]), L"Beta");
     PressKey(VK_SPACE);
     ExpectExitZero();
 }
