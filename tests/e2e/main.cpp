@@ -9,39 +9,38 @@
 //   --set <name>=<text>  writes the string option <name> of the saver first (SaverShow=slider)
 //   --settings           no tests: stands in for the companion program, Lumivane.exe: writes
 //                        its command line into started.txt beside itself and ends
-#include <gtest/gtest.h>
-#include <windows.h>
+#include "e2e/driver.h"
+
 #include <shellapi.h>
 
 #include <cstdio>
-#include <string>
-
-#include "e2e/files.h"
-#include "e2e/saver_test.h"
-#include "e2e/screen.h"
 
 namespace {
 
 int Capture(const std::wstring& folder, int shots, DWORD intervalMs) {
     using namespace e2e;
-    MakeFolders(folder);
-    SaverProcess saver;
-    if (!saver.Start(L"/s") ||
-        WaitForSaverWindows(saver.Id(), nullptr, MonitorRects().size()).empty()) {
+    std::error_code ignored;
+    std::filesystem::create_directories(folder, ignored);
+    const PROCESS_INFORMATION saver = Launch(L"/s");
+    int result = 3;
+    const size_t monitors = MonitorRects().size();
+    if (saver.hProcess && !WaitForSaverWindows(saver.dwProcessId, nullptr, monitors).empty()) {
+        int saved = 0;
+        for (int shot = 1; shot <= shots && !ExitCode(saver, 0); ++shot) {
+            Sleep(intervalMs);
+            const std::wstring path = folder + L"\\shot-" + std::to_wstring(shot) + L".png";
+            if (!SavePng(CaptureScreen(), path)) continue;
+            ++saved;
+            std::printf("capture: %ls\n", path.c_str());
+        }
+        PressKey(VK_SPACE);
+        result = saved != shots ? 4 : ExitCode(saver, kExitMs) == 0u ? 0 : 5;
+    } else {
         std::fprintf(stderr, "capture: %ls opened no window\n", SaverPath().c_str());
-        return 3;
     }
-    int saved = 0;
-    for (int shot = 1; shot <= shots && saver.Running(); ++shot) {
-        Sleep(intervalMs);
-        const std::wstring path = folder + L"\\shot-" + std::to_wstring(shot) + L".png";
-        if (!SavePng(CaptureScreen(DesktopRect()), path)) continue;
-        ++saved;
-        std::printf("capture: %ls\n", path.c_str());
-    }
-    PressKey(VK_SPACE);
     std::fflush(stdout);
-    return saved != shots ? 4 : saver.WaitForExit(kExitMs) == 0u ? 0 : 5;
+    EndSaver(saver); // a run that is still there
+    return result;
 }
 
 } // namespace
@@ -51,30 +50,28 @@ int main() {
     int argc = 0;
     wchar_t** argv = CommandLineToArgvW(GetCommandLineW(), &argc);
     if (argc == 2 && std::wstring(argv[1]) == L"--settings") {
-        const std::wstring self = e2e::DriverPath();
-        const std::wstring record = self.substr(0, self.rfind(L'\\') + 1) + L"started.txt";
-        std::FILE* file = _wfopen(record.c_str(), L"w");
+        std::FILE* file = _wfopen(e2e::BesideDriver(L"started.txt").c_str(), L"w");
         if (file) std::fprintf(file, "%ls", GetCommandLineW());
         return file && std::fclose(file) == 0 ? 0 : 1;
     }
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); // for WIC
     ::testing::InitGoogleTest(&argc, argv); // takes the --gtest_ options out of argv
     std::wstring folder;
     int shots = 4;
     DWORD intervalMs = 2000;
     for (int i = 1; i < argc; i += 2) {
-        const std::wstring option = argv[i], value = i + 1 < argc ? argv[i + 1] : L"";
-        if (value.empty()) {
-            std::fprintf(stderr, "option %ls lacks its value\n", argv[i]);
-            return 2;
-        }
-        if (option == L"--scr") e2e::SetSaverPath(value);
+        std::wstring option = argv[i];
+        const std::wstring value = i + 1 < argc ? argv[i + 1] : L"";
+        const size_t equals = value.find(L'=');
+        if (value.empty()) option.clear(); // an option without its value
+        if (option == L"--scr") e2e::scrOption = value;
         else if (option == L"--capture") folder = value;
         else if (option == L"--shots") shots = _wtoi(value.c_str());
         else if (option == L"--interval") intervalMs = static_cast<DWORD>(_wtoi(value.c_str()));
-        else if (const size_t equals = value.find(L'='); option == L"--set" && equals != value.npos)
-            e2e::WriteSaverString(value.substr(0, equals).c_str(), value.substr(equals + 1));
+        else if (option == L"--set" && equals != value.npos)
+            e2e::SetOption(value.substr(0, equals).c_str(), value.substr(equals + 1));
         else {
-            std::fprintf(stderr, "unknown option %ls\n", argv[i]);
+            std::fprintf(stderr, "can't use option %ls %ls\n", argv[i], value.c_str());
             return 2;
         }
     }
