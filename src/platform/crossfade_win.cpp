@@ -22,7 +22,7 @@ RECT ToRect(const SaverSession::Rectangle& r) { return {r.left, r.top, r.right, 
 // The current photo, and during a fade the next one laid over it with the step's constant alpha
 // (the photos' own alpha bytes don't count).
 void DrawPhotos(const ScreenWindow& window, HDC compose, HDC like) {
-    MemoryDc source(like);
+    MemoryDc source(CreateCompatibleDC(like));
     if (!source.Get()) return;
     if (window.currentBitmap) {
         SelectedObject current(source.Get(), window.currentBitmap.get());
@@ -89,7 +89,7 @@ void ScreenWindow::PaintCrossfade(void* target) {
     const HDC dc = static_cast<HDC>(target);
     const RECT area{0, 0, width, height};
     const HBRUSH black = static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH));
-    MemoryDc compose(dc);
+    MemoryDc compose(CreateCompatibleDC(dc));
     SelectedObject back(compose.Get(), backBitmap.get());
     if (!compose.Get() || !back.Selected()) {
         FillRect(dc, &area, black); // no compose surface: black rather than what was there

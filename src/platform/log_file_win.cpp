@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <mutex>
 #include <string>
 
 #include "diagnostics/log.h"
@@ -12,24 +13,14 @@
 
 namespace {
 
-// Made on the first line, deleted at process exit.
+// Made on the first line, deleted at process exit. Held through std::lock_guard: a line's
+// strings are allocated under it, and a failed allocation must not leave the log locked for good.
 struct LogLock {
     CRITICAL_SECTION section;
     LogLock() { InitializeCriticalSection(&section); }
     ~LogLock() { DeleteCriticalSection(&section); }
-};
-
-// Holds the lock for one scope: a line's strings are allocated under it, and a failed
-// allocation must not leave the log locked for good.
-class LogLockHold {
-public:
-    explicit LogLockHold(LogLock& lock) : section(lock.section) { EnterCriticalSection(&section); }
-    ~LogLockHold() { LeaveCriticalSection(&section); }
-    LogLockHold(const LogLockHold&) = delete;
-    LogLockHold& operator=(const LogLockHold&) = delete;
-
-private:
-    CRITICAL_SECTION& section;
+    void lock() { EnterCriticalSection(&section); }
+    void unlock() { LeaveCriticalSection(&section); }
 };
 
 std::string ToUtf8(const std::wstring& text) {
@@ -54,7 +45,7 @@ void RotateIfLarge(const std::wstring& path, const std::wstring& oldPath) {
 
 void AppendLogLine(const std::wstring& folder, const std::wstring& text) {
     static LogLock lock;
-    const LogLockHold hold(lock);
+    const std::lock_guard<LogLock> hold(lock);
     SYSTEMTIME now;
     GetLocalTime(&now);
     const LogTime time{now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};

@@ -50,36 +50,27 @@ private:
     HDC dc;
 };
 
-// A memory DC from CreateCompatibleDC, deleted with DeleteDC.
-class MemoryDc {
+// A GDI resource of our own, freed with `Free` at the end of its scope.
+template <class Value, BOOL(WINAPI* Free)(Value)>
+class GdiOwned {
 public:
-    explicit MemoryDc(HDC compatibleWith) : dc(CreateCompatibleDC(compatibleWith)) {}
-    ~MemoryDc() {
-        if (dc) DeleteDC(dc);
+    explicit GdiOwned(Value held) : value(held) {}
+    ~GdiOwned() {
+        if (value) Free(value);
     }
-    MemoryDc(const MemoryDc&) = delete;
-    MemoryDc& operator=(const MemoryDc&) = delete;
-    HDC Get() const { return dc; }
+    GdiOwned(const GdiOwned&) = delete;
+    GdiOwned& operator=(const GdiOwned&) = delete;
+    Value Get() const { return value; }
 
 private:
-    HDC dc;
+    Value value;
 };
 
-// A GDI object (font, bitmap, brush) of our own, deleted with DeleteObject. Declare it before
-// the SelectedObject that puts it into a DC, so that it is deselected before it is deleted.
-class GdiObject {
-public:
-    explicit GdiObject(HGDIOBJ value) : object(value) {}
-    ~GdiObject() {
-        if (object) DeleteObject(object);
-    }
-    GdiObject(const GdiObject&) = delete;
-    GdiObject& operator=(const GdiObject&) = delete;
-    HGDIOBJ Get() const { return object; }
-
-private:
-    HGDIOBJ object;
-};
+// A memory DC from CreateCompatibleDC.
+using MemoryDc = GdiOwned<HDC, DeleteDC>;
+// A GDI object (font, bitmap, brush). Declare it before the SelectedObject that puts it into a
+// DC, so that it is deselected before it is deleted.
+using GdiObject = GdiOwned<HGDIOBJ, DeleteObject>;
 
 // An object selected into a DC for a scope; the DC's earlier object is selected back at its end.
 class SelectedObject {
