@@ -1,4 +1,5 @@
-// The shared curves, holds, opacity timeline and shadow against their reference numbers.
+// The shared curves, holds and shadow against their reference numbers (the opacity timeline is
+// checked through the Fader's).
 #include <gtest/gtest.h>
 
 #include "effects/painting.h"
@@ -42,15 +43,6 @@ TEST(Curves, HoldsFollowTheirColumnAndClampTheIndex) {
         EXPECT_EQ(HoldSeconds(EffectKind::Panner, r.index), r.panner);
         EXPECT_EQ(HoldSeconds(EffectKind::FourUp, r.index), r.fourUp);
     }
-}
-
-TEST(Curves, PhotoOpacityIsDarkFadesInRestsAndFadesOut) {
-    const double hold = 10000;
-    const std::pair<double, double> points[] = {
-        {-5, 0}, {1299, 0}, {1300, Ease(0)}, {2800, Ease(0.5)}, {4300, 1}, {4299 + hold, 1},
-        {4300 + hold, 1 - EaseIn(0)}, {5800 + hold, 1 - EaseIn(0.5)}, {7300 + hold, 0},
-    };
-    for (const auto& [elapsed, opacity] : points) EXPECT_EQ(PhotoOpacity(elapsed, hold), opacity) << elapsed;
 }
 
 TEST(Shadow, IsAGaussianBlurOfTheRectangleAtReducedResolution) {
