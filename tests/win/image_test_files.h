@@ -1,10 +1,6 @@
 #pragma once
 
 // Photo files for the Windows tests and the benchmark, written through WIC.
-#include <windows.h>
-
-#include <wincodec.h>
-
 #include <cstdint>
 #include <cstring>
 #include <string>
