@@ -50,8 +50,8 @@ int main() {
     wchar_t** argv = CommandLineToArgvW(GetCommandLineW(), &argc);
     if (argc == 2 && std::wstring(argv[1]) == L"--settings") {
         std::FILE* file = _wfopen(BesideDriver(L"started.txt").c_str(), L"w");
-        return file && std::fprintf(file, "%ls", GetCommandLineW()) >= 0 && !std::fclose(file) ? 0
-                                                                                               : 1;
+        const bool written = file && std::fprintf(file, "%ls", GetCommandLineW()) >= 0;
+        return written && std::fclose(file) == 0 ? 0 : 1;
     }
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); // for WIC
     ::testing::InitGoogleTest(&argc, argv);            // takes the --gtest_ options out of argv

@@ -41,8 +41,9 @@ struct View {
 
     uint32_t At(int x, int y) const { return shot.At(m.left + x, m.top + y); }
     uint32_t Centre() const { return At(w / 2, h / 2); }
-    // The bounds of the pixels within `most` of white (caption text; neither photo has all three
-    // channels this light) from (x0, y0) to (x1, y1).
+    // The bounds of the pixels from (x0, y0) to (x1, y1) whose every channel is within `most` of
+    // white: with 127 light caption text (neither photo has all three channels this light), with
+    // 245 anything but black.
     RECT Ink(int most, int x0, int y0, int x1, int y1) const {
         RECT ink{x1, y1, x0, y0};
         for (int y = y0; y < y1; ++y)
