@@ -28,14 +28,15 @@ struct MemoryRegistry {
     void PutString(const std::wstring& name, const std::wstring& text) {
         Put(name, 1, Utf16(text + L'\0'));
     }
-    // The host build's OpenSettingsKey: only an opening for writing makes the key.
-    std::unique_ptr<SettingsKey> OpenKey(KeyAccess access);
     static std::vector<uint8_t> Utf16(const std::wstring& text) {
         std::vector<uint8_t> bytes;
         for (const wchar_t c : text) bytes.insert(bytes.end(), {uint8_t(c), uint8_t(c >> 8)});
         return bytes;
     }
+
+    // The host build's OpenSettingsKey.
+    std::unique_ptr<SettingsKey> OpenKey(KeyAccess access);
 };
 
-// Cleared for every test that uses it.
+// Cleared by every test that uses it.
 MemoryRegistry& TestRegistry();

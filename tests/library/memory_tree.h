@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <set>
@@ -8,22 +9,35 @@
 
 #include "library/file_tree.h"
 
-// The file tree of the host tests. Paths compare without case, as on Windows; a path without a
-// backslash is a drive and always there. Calls fail where the file calls would: a move onto
-// something that exists, a folder whose parent is missing, the removal of a folder not empty.
+// The file tree of the host tests. A path without a backslash is a drive and always there. Calls
+// fail where the file calls would: a move onto something that exists, a folder whose parent is
+// missing, the removal of a folder not empty.
 class MemoryTree : public FileTree {
 public:
+    std::map<std::wstring, uint32_t> nodes;       // every path, with its attributes
+    std::map<std::wstring, std::string> contents; // what ReadFile gives
     std::optional<std::wstring> localAppData = L"C:\\U\\Local";
     std::wstring documents = L"C:\\U\\Documents";
     std::set<std::wstring> unwritable;    // folders whose write test fails
     std::set<std::wstring> stuck;         // paths that can't be moved (in use)
     std::vector<std::wstring> writeTests; // folders given to CanWriteTo, in order
+    uint32_t lastError = 0;
 
     // Adds a file (attributes 0x20) or, with kDirectoryBit, a folder, with its missing parents.
-    void Add(const std::wstring& path, uint32_t attributes = 0x20, uint64_t writeTime = 0,
-             const std::string& content = "");
-    std::vector<std::wstring> Paths() const; // every path, sorted, with its own spelling
-    bool Has(const std::wstring& path) { return Exists(*this, path); }
+    void Add(const std::wstring& path, uint32_t attributes = 0x20) {
+        CreateFolderTree(Parent(path));
+        nodes[path] = attributes;
+    }
+    static std::wstring Parent(const std::wstring& path) {
+        return path.substr(0, std::min(path.size(), path.rfind(L'\\')));
+    }
+    static bool IsBelow(const std::wstring& path, const std::wstring& folder) {
+        return path.rfind(folder + L"\\", 0) == 0;
+    }
+    bool Fail(uint32_t error) {
+        lastError = error;
+        return false;
+    }
 
     std::wstring ModulePath() override { return L"C:\\Windows\\System32\\Lumivane.scr"; }
     std::optional<std::wstring> LocalAppData() override {
@@ -33,11 +47,20 @@ public:
     std::wstring TempPath() override { return L"C:\\T\\"; }
     std::wstring RoamingAppData() override { return L"C:\\U\\Roaming"; }
     std::wstring Documents() override { return documents; }
-    uint32_t Attributes(const std::wstring& path) override;
+    uint32_t Attributes(const std::wstring& path) override {
+        if (path.find(L'\\') == std::wstring::npos) return kDirectoryBit; // a drive
+        return nodes.count(path) ? nodes[path] : kMissingFile;
+    }
     bool Move(const std::wstring& from, const std::wstring& to) override;
     uint32_t LastError() override { return lastError; }
-    bool CreateFolder(const std::wstring& path) override;
-    void CreateFolderTree(const std::wstring& path) override;
+    bool CreateFolder(const std::wstring& path) override {
+        if (Exists(*this, path) || !Exists(*this, Parent(path))) return Fail(183);
+        Add(path, kDirectoryBit);
+        return true;
+    }
+    void CreateFolderTree(const std::wstring& path) override {
+        if (!Exists(*this, path)) Add(path, kDirectoryBit);
+    }
     bool RemoveFolder(const std::wstring& path) override;
     bool List(const std::wstring& pattern, std::vector<FolderEntry>& entries) override;
     bool CanWriteTo(const std::wstring& folder) override {
@@ -45,20 +68,10 @@ public:
         CreateFolderTree(folder);
         return unwritable.count(folder) == 0;
     }
-    std::optional<std::string> ReadFile(const std::wstring& path) override;
-
-private:
-    struct Node {
-        std::wstring path;
-        FolderEntry entry;
-        std::string content;
-    };
-    bool Fail(uint32_t error) {
-        lastError = error;
-        return false;
+    std::optional<std::string> ReadFile(const std::wstring& path) override {
+        if (!contents.count(path)) return std::nullopt;
+        return contents[path];
     }
-    std::map<std::wstring, Node> nodes; // by lower-cased path
-    uint32_t lastError = 0;
 };
 
 MemoryTree& TestTree();
