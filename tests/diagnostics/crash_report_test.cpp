@@ -8,9 +8,8 @@
 #include <vector>
 
 #include "diagnostics/crash_reporter.h"
+#include "diagnostics/log.h"
 #include "support/random_fake.h"
-
-namespace {
 
 // A crash before the first stage has none to name.
 TEST(CrashReport, ElevenLinesThenBothFrameFormsCutAt12287Bytes) {
@@ -18,25 +17,16 @@ TEST(CrashReport, ElevenLinesThenBothFrameFormsCutAt12287Bytes) {
     FormatAccessDetail(detail, 8, 0x10);
     std::vector<char> buffer(kReportBufferSize);
     TextCursor cursor = CursorOver(buffer.data(), buffer.size());
-    AppendReportHead(cursor, {"saver-win", true, 0xC0000005, detail, nullptr,
-                              "01234567-89ab-4def-8123-456789abcdef",
-                              "3456789a-bcde-4012-b456-789abcdef012", "10.0.22631", 777,
-                              {2026, 5, 3, 9, 5, 7, 42}});
+    AppendReportHead(cursor, {"saver-win", true, 0xC0000005, detail, nullptr, "S", "E",
+                              "10.0.22631", 777, {2026, 5, 3, 9, 5, 7, 42}});
     AppendModuleFrame(cursor, "Lumivane.scr", 0x1a2b, 0x65f0a1b2);
     AppendUnknownFrame(cursor, 0x7ffe12345678);
-    EXPECT_EQ(std::string(buffer.data()), "app=saver-win\n"
-                                          "thread=ui\n"
-                                          "code=c0000005\n"
-                                          "detail=executing 0x0000000000000010\n"
-                                          "version=6.2.4\n"
-                                          "stage=\n"
-                                          "session=01234567-89ab-4def-8123-456789abcdef\n"
-                                          "event=3456789a-bcde-4012-b456-789abcdef012\n"
-                                          "osv=10.0.22631\n"
-                                          "pid=777\n"
-                                          "time=2026-05-03T09:05:07.042Z\n"
-                                          "frame=Lumivane.scr|0000000000001a2b|65f0a1b2\n"
-                                          "frame=?|00007ffe12345678|00000000\n");
+    EXPECT_EQ(std::string(buffer.data()),
+              "app=saver-win\nthread=ui\ncode=c0000005\ndetail=executing 0x0000000000000010\n"
+              "version=6.2.4\nstage=\nsession=S\nevent=E\nosv=10.0.22631\npid=777\n"
+              "time=2026-05-03T09:05:07.042Z\n"
+              "frame=Lumivane.scr|0000000000001a2b|65f0a1b2\n"
+              "frame=?|00007ffe12345678|00000000\n");
     for (int i = 0; i < 400; ++i) AppendUnknownFrame(cursor, i);
     const std::string text(buffer.data());
     EXPECT_EQ(text.size(), 12287u);
@@ -63,18 +53,22 @@ TEST(CrashReport, IdentifiersVersionFileNameAndBacktraceFallBack) {
     FormatReportFileName(name, 10, L"C:\\Data\\Crashes", 1, 2);
     EXPECT_STREQ(name, L"C:\\Data\\C");
 
-    // From the crashed pc on, the dispatcher's frames left out; copied, but the walk had more;
-    // a pc not in the backtrace changes nothing, nor does no backtrace (stack overflow, hooks).
+    // A short walk takes the backtrace from the crashed pc on, leaving out the dispatcher's
+    // frames, unless the walk had more; a pc not in the backtrace changes nothing.
     const uint64_t backtrace[] = {0xd1, 0xd2, 0xbad, 0xa2, 0xa3, 0xa4};
-    // The backtrace's length, the pc, the frames walked; the frame count and first frame after.
-    const std::tuple<int, uint64_t, int, int, uint64_t> cases[] = {
-        {6, 0xbad, 1, 4, 0xbad}, {6, 0xbad, 5, 5, 0xbad}, {6, 0x999, 1, 1, 0x111},
-        {0, 0xbad, 2, 2, 0x111}, {6, 0xd1, 2, 6, 0xd1}};
-    for (const auto& [count, pc, walked, expectedCount, first] : cases) {
-        uint64_t frames[kMaxFrames] = {0x111};
-        EXPECT_EQ(FallBackToBacktrace(backtrace, count, pc, frames, walked), expectedCount);
-        EXPECT_EQ(frames[0], first);
-    }
+    uint64_t frames[kMaxFrames] = {0x111};
+    EXPECT_EQ(FallBackToBacktrace(backtrace, 6, 0x999, frames, 1), 1);
+    EXPECT_EQ(frames[0], 0x111u);
+    EXPECT_EQ(FallBackToBacktrace(backtrace, 6, 0xbad, frames, 5), 5);
+    EXPECT_EQ(FallBackToBacktrace(backtrace, 6, 0xbad, frames, 1), 4);
+    EXPECT_EQ(frames[0], 0xbadu);
 }
 
-} // namespace
+TEST(Log, LineHasLocalTimeProcessTextAndCrLfAndTheLogRotatesOnlyAboveOneMebibyte) {
+    EXPECT_EQ(LogLine({2026, 5, 3, 9, 5, 7}, 7, L"saver: caf\u00e9"),
+              L"2026-05-03 09:05:07 [7] saver: caf\u00e9\r\n");
+    EXPECT_EQ(LogLine({999, 12, 31, 23, 59, 59}, 4294967295u, L""),
+              L"0999-12-31 23:59:59 [4294967295] \r\n");
+    EXPECT_FALSE(LogNeedsRotation(1048576));
+    EXPECT_TRUE(LogNeedsRotation(1048577));
+}

@@ -1,27 +1,12 @@
-// The order of building the data paths, and the folders that it makes.
+// The order of building the data paths: the stored photo directory is read after the migration
+// has rewritten it, and its missing folders are made; without a local application data folder
+// the temporary one serves. (A user's first start is an end-to-end scenario.)
 #include <gtest/gtest.h>
 
 #include "library/data_paths.h"
 #include "library/memory_registry.h"
 #include "library/memory_tree.h"
 
-namespace {
-
-TEST(DataPaths, FreshUserGetsEveryFolderAndASecondStartChangesNothing) {
-    TestRegistry() = {};
-    MemoryTree tree;
-    const DataPaths first = BuildDataPaths(tree);
-    for (const std::wstring& folder : {first.slidesDir, first.updatesDir, first.wallpaperDir,
-                                       first.screenSaverDir, first.wallpaperCacheDir})
-        EXPECT_EQ(tree.Attributes(folder), kDirectoryBit) << folder;
-    const auto nodes = tree.nodes;
-    EXPECT_EQ(BuildDataPaths(tree).wallpaperCacheDir, first.wallpaperCacheDir);
-    EXPECT_EQ(tree.nodes, nodes);
-    EXPECT_EQ(TestRegistry().writes.size(), 1u);
-}
-
-// The stored photo directory is read after the migration has rewritten it, and its missing
-// folders are made; without a local application data folder the temporary one serves.
 TEST(DataPaths, StoredPhotoDirectoryFollowsTheMigrationAndIsMade) {
     TestRegistry() = {};
     MemoryTree tree;
@@ -29,7 +14,9 @@ TEST(DataPaths, StoredPhotoDirectoryFollowsTheMigrationAndIsMade) {
     TestRegistry().PutString(L"ImportsDir", L"C:\\U\\Local\\LumivaneW\\Pics");
     const DataPaths paths = BuildDataPaths(tree);
     EXPECT_EQ(paths.screenSaverDir, L"C:\\U\\Local\\Lumivane\\Pics\\Lumivane\\Lumivane ScreenSaver");
-    EXPECT_EQ(tree.Attributes(paths.screenSaverDir), kDirectoryBit);
+    for (const std::wstring& folder : {paths.slidesDir, paths.updatesDir, paths.wallpaperDir,
+                                       paths.screenSaverDir, paths.wallpaperCacheDir})
+        EXPECT_EQ(tree.Attributes(folder), kDirectoryBit) << folder;
     EXPECT_TRUE(tree.writeTests.empty());
     EXPECT_EQ(DataPathsLines().front(),
               L"data: moved C:\\U\\Local\\LumivaneW to C:\\U\\Local\\Lumivane");
@@ -39,5 +26,3 @@ TEST(DataPaths, StoredPhotoDirectoryFollowsTheMigrationAndIsMade) {
     EXPECT_EQ(BuildDataPaths(tree).slidesDir, L"C:\\T\\Lumivane\\Slides");
     EXPECT_TRUE(tree.nodes.count(L"C:\\T\\LumivaneW\\log.txt"));
 }
-
-} // namespace

@@ -21,7 +21,6 @@ public:
     std::set<std::wstring> unwritable;    // folders whose write test fails
     std::set<std::wstring> stuck;         // paths that can't be moved (in use)
     std::vector<std::wstring> writeTests; // folders given to CanWriteTo, in order
-    uint32_t lastError = 0;
 
     // Adds a file (attributes 0x20) or, with kDirectoryBit, a folder, with its missing parents.
     void Add(const std::wstring& path, uint32_t attributes = 0x20) {
@@ -33,10 +32,6 @@ public:
     }
     static bool IsBelow(const std::wstring& path, const std::wstring& folder) {
         return path.rfind(folder + L"\\", 0) == 0;
-    }
-    bool Fail(uint32_t error) {
-        lastError = error;
-        return false;
     }
 
     std::wstring ModulePath() override { return L"C:\\Windows\\System32\\Lumivane.scr"; }
@@ -52,9 +47,9 @@ public:
         return nodes.count(path) ? nodes[path] : kMissingFile;
     }
     bool Move(const std::wstring& from, const std::wstring& to) override;
-    uint32_t LastError() override { return lastError; }
+    uint32_t LastError() override { return 5; } // ERROR_ACCESS_DENIED, from a move of `stuck`
     bool CreateFolder(const std::wstring& path) override {
-        if (Exists(*this, path) || !Exists(*this, Parent(path))) return Fail(183);
+        if (Exists(*this, path) || !Exists(*this, Parent(path))) return false;
         Add(path, kDirectoryBit);
         return true;
     }
@@ -69,8 +64,7 @@ public:
         return unwritable.count(folder) == 0;
     }
     std::optional<std::string> ReadFile(const std::wstring& path) override {
-        if (!contents.count(path)) return std::nullopt;
-        return contents[path];
+        return contents.count(path) ? std::optional(contents[path]) : std::nullopt;
     }
 };
 

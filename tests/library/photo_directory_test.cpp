@@ -8,44 +8,35 @@
 #include "library/photo_directory.h"
 #include "library/settings.h"
 
-namespace {
-
-const std::wstring kDataDir = L"C:\\U\\Local\\Lumivane";
-const std::wstring kDocuments = L"C:\\U\\Documents";
-const std::wstring kFixed = L"C:\\LumivaneItems";
-
-struct Case {
-    const char* what;
-    std::optional<std::wstring> stored; // ImportsDir before the start
-    std::string settings;               // the companion's settings file; empty: none
-    std::wstring documents;
-    std::wstring unwritable;
-    std::wstring chosen;
-    std::vector<std::wstring> tested; // folders given to the write test, in order
-};
-
-const Case kCases[] = {
-    {"stored value returned untested", L"E:\\Gone", R"({"data-dir":"D:\\P"})", kDocuments, L"",
-     L"E:\\Gone", {}},
-    {"stored empty string counts as absent", L"", "", kDocuments, L"", kDocuments, {kDocuments}},
-    {"data-dir wins without its trailing slashes", {}, R"({"data-dir":"D:\\P\\/\\"})",
-     kDocuments, L"", L"D:\\P", {L"D:\\P"}},
-    {"data-dir that is the companion's folder", {}, R"({"data-dir":"c:\\u\\ROAMING\\lumivane"})",
-     kDocuments, L"", kDocuments, {kDocuments}},
-    {"data-dir beside the companion's folder, on a cloud path", {},
-     R"({"data-dir":"C:\\U\\Roaming\\LumivaneOneDrive"})", kDocuments, L"",
-     L"C:\\U\\Roaming\\LumivaneOneDrive", {L"C:\\U\\Roaming\\LumivaneOneDrive"}},
-    {"a drive's data-dir keeps its backslash and fails the write test", {},
-     R"({"data-dir":"D:\\"})", kDocuments, L"D:\\", kDocuments, {L"D:\\", kDocuments}},
-    {"documents under a user named like a cloud", {}, R"({"data-dir":5})",
-     L"C:\\Users\\Dropbox Fan\\Documents", L"", kFixed, {kFixed}},
-    {"no documents folder", {}, "", L"", L"", kFixed, {kFixed}},
-    {"cloud documents and a closed drive C", {}, "", L"C:\\OneDrive\\Documents", kFixed, kDataDir,
-     {kFixed}},
-};
-
 TEST(PhotoDirectory, CandidatesAreTriedInOrderAndTheChoiceIsStored) {
-    for (const Case& c : kCases) {
+    const std::wstring dataDir = L"C:\\U\\Local\\Lumivane", documents = L"C:\\U\\Documents";
+    const std::wstring fixed = L"C:\\LumivaneItems", beside = L"C:\\U\\Roaming\\LumivaneOneDrive";
+    struct Case {
+        const char* what;
+        std::optional<std::wstring> stored; // ImportsDir before the start
+        std::string settings;               // the companion's settings file; empty: none
+        std::wstring documents, unwritable, chosen;
+        std::vector<std::wstring> tested; // folders given to the write test, in order
+    };
+    const Case cases[] = {
+        {"stored value returned untested", L"E:\\Gone", R"({"data-dir":"D:\\P"})", documents, L"",
+         L"E:\\Gone", {}},
+        {"stored empty string counts as absent", L"", "", documents, L"", documents, {documents}},
+        {"data-dir wins without its trailing slashes", {}, R"({"data-dir":"D:\\P\\/\\"})",
+         documents, L"", L"D:\\P", {L"D:\\P"}},
+        {"data-dir that is the companion's folder", {},
+         R"({"data-dir":"c:\\u\\ROAMING\\lumivane"})", documents, L"", documents, {documents}},
+        {"data-dir beside the companion's folder, on a cloud path", {},
+         R"({"data-dir":"C:\\U\\Roaming\\LumivaneOneDrive"})", documents, L"", beside, {beside}},
+        {"a drive's data-dir keeps its backslash and fails the write test", {},
+         R"({"data-dir":"D:\\"})", documents, L"D:\\", documents, {L"D:\\", documents}},
+        {"documents under a user named like a cloud", {}, R"({"data-dir":5})",
+         L"C:\\Users\\Dropbox Fan\\Documents", L"", fixed, {fixed}},
+        {"no documents folder", {}, "", L"", L"", fixed, {fixed}},
+        {"cloud documents and a closed drive C", {}, "", L"C:\\OneDrive\\Documents", fixed,
+         dataDir, {fixed}},
+    };
+    for (const Case& c : cases) {
         MemoryTree tree;
         TestRegistry() = {};
         if (c.stored) TestRegistry().PutString(L"ImportsDir", *c.stored);
@@ -53,7 +44,7 @@ TEST(PhotoDirectory, CandidatesAreTriedInOrderAndTheChoiceIsStored) {
         tree.documents = c.documents;
         tree.unwritable = {c.unwritable};
 
-        EXPECT_EQ(LinkPhotoDirectory(tree, kDataDir), c.chosen) << c.what;
+        EXPECT_EQ(LinkPhotoDirectory(tree, dataDir), c.chosen) << c.what;
         EXPECT_EQ(tree.writeTests, c.tested) << c.what;
         EXPECT_EQ(Settings::ReadString(L"ImportsDir"), c.chosen) << c.what;
         const bool chose = !c.stored || c.stored->empty();
@@ -61,5 +52,3 @@ TEST(PhotoDirectory, CandidatesAreTriedInOrderAndTheChoiceIsStored) {
         if (chose) EXPECT_EQ(PhotoDirectoryLine(), L"linked: photo directory " + c.chosen);
     }
 }
-
-} // namespace

@@ -5,12 +5,8 @@
 #include "library/memory_registry.h"
 #include "library/settings.h"
 
-namespace {
-
-using Bytes = std::vector<uint8_t>;
-const auto Utf16 = MemoryRegistry::Utf16;
-
 TEST(Settings, OnlyAWriteMakesTheKeyAndEachValueFormReadsByItsRule) {
+    const auto Utf16 = MemoryRegistry::Utf16;
     TestRegistry() = {};
     EXPECT_EQ(Settings::ReadDword(L"Value", 1), 1);
     EXPECT_EQ(Settings::ReadString(L"Value"), L"");
@@ -20,11 +16,10 @@ TEST(Settings, OnlyAWriteMakesTheKeyAndEachValueFormReadsByItsRule) {
     EXPECT_EQ(TestRegistry().values.at(L"Value").bytes, Utf16(std::wstring(L"D:\\P", 5)));
 
     // The type, the bytes, ReadDword with the fallback 1, ReadString.
-    const std::tuple<uint32_t, Bytes, int32_t, std::wstring> cases[] = {
+    const std::tuple<uint32_t, std::vector<uint8_t>, int32_t, std::wstring> cases[] = {
         {4, {0x01, 0x02, 0x03, 0x84}, -2080177663, L""}, // little-endian, signed
-        {4, {7, 0}, 7, L""},
         {1, Utf16({L'0', 0}), 1, L"0"},                 // a string under a number
-        {11, Bytes(8, 0), 1, L""},                      // a qword doesn't fit 4 bytes
+        {11, std::vector<uint8_t>(8), 1, L""},          // a qword doesn't fit 4 bytes
         {2, Utf16({L'x', 0}), 1, L""},                  // an expandable string isn't a string
         {1, Utf16(std::wstring(L"ab\0cd", 6)), 1, L"ab"},
         {1, Utf16(L"ab"), 1, L"ab"}, // no terminating zero
@@ -42,7 +37,7 @@ TEST(Settings, PathRewriteReplacesWholeFolderNamesAndWritesOnlyWhatChanged) {
     // Left alone: a name too long for the walk (it sorts first, so the walk must go on past it),
     // a type other than REG_SZ, and a longer folder name.
     TestRegistry().PutString(L"A" + std::wstring(300, L'n'), old);
-    TestRegistry().Put(L"B", 2, Utf16(old));
+    TestRegistry().Put(L"B", 2, MemoryRegistry::Utf16(old));
     TestRegistry().PutString(L"C", L"c:\\u\\LOCAL\\lumivanew|D:\\O|" + old + L"\\S");
     TestRegistry().PutString(L"D", L"x:" + old + L"\n" + old + L"2");
     TestRegistry().PutString(L"E", old + L"ork");
@@ -51,5 +46,3 @@ TEST(Settings, PathRewriteReplacesWholeFolderNamesAndWritesOnlyWhatChanged) {
     EXPECT_EQ(Settings::ReadString(L"D"), L"x:C:\\New\n" + old + L"2");
     EXPECT_EQ(TestRegistry().writes, (std::vector<std::wstring>{L"C", L"D"}));
 }
-
-} // namespace
