@@ -22,20 +22,19 @@ struct MemoryKey : SettingsKey {
     }
     void Set(const std::wstring& name, uint32_t type, const void* data, uint32_t bytes) override {
         const auto* first = static_cast<const uint8_t*>(data);
-        registry.Put(name, type, {first, first + bytes});
+        registry.values[name] = {type, {first, first + bytes}};
         registry.writes.push_back(name);
     }
     ValueEntry Enumerate(uint32_t index) override {
         if (index >= registry.values.size()) return {kNoMoreValues, {}, 0, 0};
         const auto& [name, value] = *std::next(registry.values.begin(), index);
         if (name.size() >= 256) return {234, {}, 0, 0}; // ERROR_MORE_DATA
-        return {0, name, value.type, static_cast<uint32_t>(value.bytes.size())};
+        return {0, name, value.first, static_cast<uint32_t>(value.second.size())};
     }
 };
 
 } // namespace
 
-std::unique_ptr<SettingsKey> MemoryRegistry::OpenKey(KeyAccess access) {
-    keyExists = keyExists || access == KeyAccess::ReadWrite;
-    return keyExists ? std::make_unique<MemoryKey>() : nullptr;
+std::unique_ptr<SettingsKey> MemoryRegistry::OpenKey(KeyAccess) {
+    return std::make_unique<MemoryKey>();
 }

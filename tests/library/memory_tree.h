@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <map>
 #include <optional>
 #include <set>
@@ -23,46 +22,21 @@ public:
     std::vector<std::wstring> writeTests; // folders given to CanWriteTo, in order
 
     // Adds a file (attributes 0x20) or, with kDirectoryBit, a folder, with its missing parents.
-    void Add(const std::wstring& path, uint32_t attributes = 0x20) {
-        CreateFolderTree(Parent(path));
-        nodes[path] = attributes;
-    }
-    static std::wstring Parent(const std::wstring& path) {
-        return path.substr(0, std::min(path.size(), path.rfind(L'\\')));
-    }
-    static bool IsBelow(const std::wstring& path, const std::wstring& folder) {
-        return path.rfind(folder + L"\\", 0) == 0;
-    }
+    void Add(const std::wstring& path, uint32_t attributes = 0x20);
 
     std::wstring ModulePath() override { return L"C:\\Windows\\System32\\Lumivane.scr"; }
-    std::optional<std::wstring> LocalAppData() override {
-        if (localAppData) CreateFolderTree(*localAppData); // made when asked for
-        return localAppData;
-    }
+    std::optional<std::wstring> LocalAppData() override { return localAppData; }
     std::wstring TempPath() override { return L"C:\\T\\"; }
     std::wstring RoamingAppData() override { return L"C:\\U\\Roaming"; }
     std::wstring Documents() override { return documents; }
-    uint32_t Attributes(const std::wstring& path) override {
-        if (path.find(L'\\') == std::wstring::npos) return kDirectoryBit; // a drive
-        return nodes.count(path) ? nodes[path] : kMissingFile;
-    }
+    uint32_t Attributes(const std::wstring& path) override;
     bool Move(const std::wstring& from, const std::wstring& to) override;
-    uint32_t LastError() override { return 5; } // ERROR_ACCESS_DENIED, from a move of `stuck`
-    bool CreateFolder(const std::wstring& path) override {
-        if (Exists(*this, path) || !Exists(*this, Parent(path))) return false;
-        Add(path, kDirectoryBit);
-        return true;
-    }
-    void CreateFolderTree(const std::wstring& path) override {
-        if (!Exists(*this, path)) Add(path, kDirectoryBit);
-    }
+    uint32_t LastError() override { return 5; } // ERROR_ACCESS_DENIED, as a move of `stuck` gives
+    bool CreateFolder(const std::wstring& path) override;
+    void CreateFolderTree(const std::wstring& path) override;
     bool RemoveFolder(const std::wstring& path) override;
     bool List(const std::wstring& pattern, std::vector<FolderEntry>& entries) override;
-    bool CanWriteTo(const std::wstring& folder) override {
-        writeTests.push_back(folder);
-        CreateFolderTree(folder);
-        return unwritable.count(folder) == 0;
-    }
+    bool CanWriteTo(const std::wstring& folder) override;
     std::optional<std::string> ReadFile(const std::wstring& path) override {
         return contents.count(path) ? std::optional(contents[path]) : std::nullopt;
     }
