@@ -15,9 +15,9 @@ TEST(StringTable, LanguageValueMatchesExactlyElseTheSystemsPrimaryLanguageDecide
     };
     // Each code gives a translation on an English system, and the same on a system of that
     // language without a value; a value in other letters counts for nothing.
-    const std::pair<const wchar_t*, uint16_t> languages[] = {
-        {L"de", 0x0407}, {L"es", 0x0C0A}, {L"fr", 0x040C}, {L"it", 0x0810}, {L"nl", 0x0813},
-        {L"pt", 0x0816}};
+    const std::pair<const wchar_t*, uint16_t> languages[] = {{L"de", 0x0407}, {L"es", 0x0C0A},
+                                                             {L"fr", 0x040C}, {L"it", 0x0810},
+                                                             {L"nl", 0x0813}, {L"pt", 0x0816}};
     for (const auto& [code, system] : languages) {
         const std::wstring text = textFor(code, 0x0409);
         EXPECT_NE(text, kNoPhotosText) << code;

@@ -9,7 +9,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     JsonValue value;
-    const bool parsed = JsonValue::Parse(std::string(reinterpret_cast<const char*>(data), size), value);
+    const bool parsed =
+        JsonValue::Parse(std::string(reinterpret_cast<const char*>(data), size), value);
     if (!parsed && (value.type != JsonValue::Null || !value.items.empty())) std::abort();
     return 0;
 }

@@ -13,7 +13,8 @@ TEST(DataPaths, StoredPhotoDirectoryFollowsTheMigrationAndIsMade) {
     tree.Add(L"C:\\U\\Local\\LumivaneW\\log.txt");
     TestRegistry().PutString(L"ImportsDir", L"C:\\U\\Local\\LumivaneW\\Pics");
     const DataPaths paths = BuildDataPaths(tree);
-    EXPECT_EQ(paths.screenSaverDir, L"C:\\U\\Local\\Lumivane\\Pics\\Lumivane\\Lumivane ScreenSaver");
+    EXPECT_EQ(paths.screenSaverDir,
+              L"C:\\U\\Local\\Lumivane\\Pics\\Lumivane\\Lumivane ScreenSaver");
     for (const std::wstring& folder : {paths.slidesDir, paths.updatesDir, paths.wallpaperDir,
                                        paths.screenSaverDir, paths.wallpaperCacheDir})
         EXPECT_EQ(tree.Attributes(folder), kDirectoryBit) << folder;

@@ -21,7 +21,8 @@ uint32_t MemoryTree::Attributes(const std::wstring& path) {
 }
 
 bool MemoryTree::Move(const std::wstring& from, const std::wstring& to) {
-    if (!Exists(*this, from) || Exists(*this, to) || !Exists(*this, Parent(to)) || stuck.count(from))
+    if (!Exists(*this, from) || Exists(*this, to) || !Exists(*this, Parent(to)) ||
+        stuck.count(from))
         return false;
     std::map<std::wstring, uint32_t> renamed;
     for (const auto& [path, attributes] : nodes)

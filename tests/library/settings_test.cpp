@@ -8,16 +8,15 @@
 TEST(Settings, EachValueFormReadsByItsRule) {
     const auto Utf16 = MemoryRegistry::Utf16;
     TestRegistry() = {};
-    EXPECT_EQ(Settings::ReadDword(L"Value", 1), 1);
     Settings::WriteString(L"Value", L"D:\\P");
     EXPECT_EQ(TestRegistry().values.at(L"Value").second, Utf16(std::wstring(L"D:\\P", 5)));
 
     // The type, the bytes, ReadDword with the fallback 1, ReadString.
     const std::tuple<uint32_t, std::vector<uint8_t>, int32_t, std::wstring> cases[] = {
         {4, {0x01, 0x02, 0x03, 0x84}, -2080177663, L""}, // little-endian, signed
-        {1, Utf16({L'0', 0}), 1, L"0"},                 // a string under a number
-        {11, std::vector<uint8_t>(8), 1, L""},          // a qword doesn't fit 4 bytes
-        {2, Utf16({L'x', 0}), 1, L""},                  // an expandable string isn't a string
+        {1, Utf16({L'0', 0}), 1, L"0"},                  // a string under a number
+        {11, std::vector<uint8_t>(8), 1, L""},           // a qword doesn't fit 4 bytes
+        {2, Utf16({L'x', 0}), 1, L""},                   // an expandable string isn't a string
         {1, Utf16(std::wstring(L"ab\0cd", 6)), 1, L"ab"},
     };
     for (const auto& [type, bytes, number, text] : cases) {
@@ -30,7 +29,8 @@ TEST(Settings, EachValueFormReadsByItsRule) {
 TEST(Settings, PathRewriteReplacesWholeFolderNamesAndWritesOnlyWhatChanged) {
     TestRegistry() = {};
     const std::wstring old = L"C:\\U\\Local\\LumivaneW";
-    TestRegistry().PutString(L"A", L"x:" + old + L"\nc:\\u\\LOCAL\\lumivanew|" + old + L"\\S|" + old + L"2");
+    TestRegistry().PutString(L"A", L"x:" + old + L"\nc:\\u\\LOCAL\\lumivanew|" + old + L"\\S|" +
+                                       old + L"2");
     // Left alone: a name too long for the walk, which must go on past it, a type other than
     // REG_SZ, and a longer folder name.
     TestRegistry().PutString(L"B" + std::wstring(300, L'n'), old);
