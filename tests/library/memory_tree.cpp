@@ -57,7 +57,6 @@ bool MemoryTree::List(const std::wstring& pattern, std::vector<FolderEntry>& ent
 }
 
 bool MemoryTree::CanWriteTo(const std::wstring& folder) {
-    writeTests.push_back(folder);
     CreateFolderTree(folder);
     return unwritable.count(folder) == 0;
 }

@@ -17,9 +17,8 @@ public:
     std::map<std::wstring, std::string> contents; // what ReadFile gives
     std::optional<std::wstring> localAppData = L"C:\\U\\Local";
     std::wstring documents = L"C:\\U\\Documents";
-    std::set<std::wstring> unwritable;    // folders whose write test fails
-    std::set<std::wstring> stuck;         // paths that can't be moved (in use)
-    std::vector<std::wstring> writeTests; // folders given to CanWriteTo, in order
+    std::set<std::wstring> unwritable; // folders whose write test fails
+    std::set<std::wstring> stuck;      // paths that can't be moved (in use)
 
     // Adds a file (attributes 0x20) or, with kDirectoryBit, a folder, with its missing parents.
     void Add(const std::wstring& path, uint32_t attributes = 0x20);
