@@ -8,8 +8,8 @@
 TEST(Settings, EachValueFormReadsByItsRule) {
     const auto Utf16 = MemoryRegistry::Utf16;
     TestRegistry() = {};
-    Settings::WriteString(L"Value", L"D:\\P");
-    EXPECT_EQ(TestRegistry().values.at(L"Value").second, Utf16(std::wstring(L"D:\\P", 5)));
+    Settings::WriteString(L"Value", L"D:\\\u20AC"); // both bytes of each character, and a zero
+    EXPECT_EQ(TestRegistry().values.at(L"Value").second, Utf16(std::wstring(L"D:\\\u20AC", 5)));
 
     // The type, the bytes, ReadDword with the fallback 1, ReadString.
     const std::tuple<uint32_t, std::vector<uint8_t>, int32_t, std::wstring> cases[] = {
@@ -17,7 +17,7 @@ TEST(Settings, EachValueFormReadsByItsRule) {
         {1, Utf16({L'0', 0}), 1, L"0"},                  // a string under a number
         {11, std::vector<uint8_t>(8), 1, L""},           // a qword doesn't fit 4 bytes
         {2, Utf16({L'x', 0}), 1, L""},                   // an expandable string isn't a string
-        {1, Utf16(std::wstring(L"ab\0cd", 6)), 1, L"ab"},
+        {1, Utf16(std::wstring(L"a\u20AC\0cd", 6)), 1, L"a\u20AC"},
     };
     for (const auto& [type, bytes, number, text] : cases) {
         TestRegistry().Put(L"Value", type, bytes);
