@@ -1,87 +1,44 @@
-// The options key: value forms, the rule that only a write makes the key, and the rewrite of
-// paths after the data folder has moved.
+// The options key: the value forms, and the rewrite of paths after the data folder has moved.
 #include <gtest/gtest.h>
 
 #include "library/memory_registry.h"
 #include "library/settings.h"
 
-namespace {
+// (That only a write makes the key is a test of the real key.)
+TEST(Settings, EachValueFormReadsByItsRule) {
+    const auto Utf16 = MemoryRegistry::Utf16;
+    TestRegistry() = {};
+    Settings::WriteString(L"Value", L"D:\\\u20AC"); // both bytes of each character, and a zero
+    EXPECT_EQ(TestRegistry().values.at(L"Value").second, Utf16(std::wstring(L"D:\\\u20AC", 5)));
 
-using Bytes = std::vector<uint8_t>;
-const auto Utf16 = MemoryRegistry::Utf16;
-
-class SettingsTest : public ::testing::Test {
-protected:
-    void SetUp() override { TestRegistry() = {}; }
-};
-
-TEST_F(SettingsTest, ReadsNeverMakeTheKeyAndWriteStringMakesItKeepingOtherValues) {
-    EXPECT_EQ(Settings::ReadDword(L"SaverTitle", 1), 1);
-    EXPECT_EQ(Settings::ReadString(L"SaverShow"), L"");
-    Settings::ReplacePathInValues(L"C:\\Old", L"C:\\New");
-    EXPECT_FALSE(TestRegistry().keyExists);
-
-    Settings::WriteString(L"ImportsDir", L"");
-    EXPECT_EQ(TestRegistry().values.at(L"ImportsDir").bytes, (Bytes{0, 0}));
-    TestRegistry().Put(L"SaverFit", 4, {1, 0, 0, 0});
-    Settings::WriteString(L"ImportsDir", L"D:\\P");
-    EXPECT_EQ(TestRegistry().values.at(L"ImportsDir").bytes, Utf16(std::wstring(L"D:\\P", 5)));
-    EXPECT_EQ(Settings::ReadDword(L"SaverFit", 0), 1);
-}
-
-TEST_F(SettingsTest, EachValueFormReadsByItsRule) {
-    struct Case {
-        const char* what;
-        uint32_t type;
-        Bytes bytes;
-        int32_t number; // ReadDword with the fallback 1
-        std::wstring text;
+    // The type, the bytes, ReadDword with the fallback 1, ReadString.
+    const std::tuple<uint32_t, std::vector<uint8_t>, int32_t, std::wstring> cases[] = {
+        {4, {0x01, 0x02, 0x03, 0x84}, -2080177663, L""}, // little-endian, signed
+        {1, Utf16({L'0', 0}), 1, L"0"},                  // a string under a number
+        {11, std::vector<uint8_t>(8), 1, L""},           // a qword doesn't fit 4 bytes
+        {2, Utf16({L'x', 0}), 1, L""},                   // an expandable string isn't a string
+        {1, Utf16(std::wstring(L"a\u20AC\0cd", 6)), 1, L"a\u20AC"},
     };
-    const Case cases[] = {
-        {"dword all ones is -1", 4, {0xFF, 0xFF, 0xFF, 0xFF}, -1, L""},
-        {"dword little-endian", 4, {0x01, 0x02, 0x03, 0x04}, 0x04030201, L""},
-        {"dword of 2 bytes", 4, {7, 0}, 7, L""},
-        {"string 0 under a number", 1, Utf16({L'0', 0}), 1, L"0"},
-        {"qword doesn't fit 4 bytes", 11, Bytes(8, 0), 1, L""},
-        {"expand string isn't a string", 2, Utf16({L'x', 0}), 1, L""},
-        {"embedded zero cuts", 1, Utf16(std::wstring(L"ab\0cd", 6)), 1, L"ab"},
-        {"no terminator", 1, Utf16(L"ab"), 1, L"ab"},
-        {"empty string", 1, {0, 0}, 1, L""},
-    };
-    for (const Case& c : cases) {
-        TestRegistry().Put(L"Value", c.type, c.bytes);
-        EXPECT_EQ(Settings::ReadDword(L"Value", 1), c.number) << c.what;
-        EXPECT_EQ(Settings::ReadString(L"Value"), c.text) << c.what;
+    for (const auto& [type, bytes, number, text] : cases) {
+        TestRegistry().Put(L"Value", type, bytes);
+        EXPECT_EQ(Settings::ReadDword(L"Value", 1), number) << type;
+        EXPECT_EQ(Settings::ReadString(L"Value"), text) << type;
     }
 }
 
-TEST_F(SettingsTest, PathRewriteReplacesWholeFolderNamesAndWritesOnlyWhatChanged) {
-    const std::pair<std::wstring, std::wstring> cases[] = { // after empty: left alone
-        {L"C:\\U\\Local\\LumivaneW\\Slides", L"C:\\U\\Local\\Lumivane\\Slides"},
-        {L"c:\\u\\LOCAL\\lumivanew|D:\\Other|C:\\U\\Local\\LumivaneW",
-         L"C:\\U\\Local\\Lumivane|D:\\Other|C:\\U\\Local\\Lumivane"},
-        {L"x:C:\\U\\Local\\LumivaneW\nC:\\U\\Local\\LumivaneW2",
-         L"x:C:\\U\\Local\\Lumivane\nC:\\U\\Local\\LumivaneW2"},
-        {L"C:\\U\\Local\\LumivaneWork", L""},
-        {L"C:\\U\\Local\\Lumivane\\Slides", L""}, // a second pass finds nothing
-    };
-    for (size_t i = 0; i < std::size(cases); ++i)
-        TestRegistry().PutString(L"V" + std::to_wstring(i), cases[i].first);
-    // Left alone: a type other than REG_SZ, and a name too long for the walk (it sorts first, so
-    // the walk must go on past it).
-    TestRegistry().Put(L"Expand", 2, Utf16(L"C:\\U\\Local\\LumivaneW"));
-    TestRegistry().PutString(L"A" + std::wstring(300, L'n'), L"C:\\U\\Local\\LumivaneW");
-
-    Settings::ReplacePathInValues(L"C:\\U\\Local\\LumivaneW", L"C:\\U\\Local\\Lumivane");
-
-    std::vector<std::wstring> written;
-    for (size_t i = 0; i < std::size(cases); ++i) {
-        const std::wstring name = L"V" + std::to_wstring(i);
-        const auto& [before, after] = cases[i];
-        EXPECT_EQ(Settings::ReadString(name.c_str()), after.empty() ? before : after) << i;
-        if (!after.empty()) written.push_back(name);
-    }
-    EXPECT_EQ(TestRegistry().writes, written);
+TEST(Settings, PathRewriteReplacesWholeFolderNamesAndWritesOnlyWhatChanged) {
+    TestRegistry() = {};
+    const std::wstring old = L"C:\\U\\Local\\LumivaneW";
+    TestRegistry().PutString(L"A", L"x:" + old + L"\nc:\\u\\LOCAL\\lumivanew|" + old + L"\\S|" +
+                                       old + L"2");
+    // Left alone: a name too long for the walk, which must go on past it, a type other than
+    // REG_SZ, and a longer folder name.
+    TestRegistry().PutString(L"B" + std::wstring(300, L'n'), old);
+    TestRegistry().Put(L"C", 2, MemoryRegistry::Utf16(old));
+    TestRegistry().PutString(L"D", old);
+    TestRegistry().PutString(L"E", old + L"ork");
+    Settings::ReplacePathInValues(old, L"C:\\New");
+    EXPECT_EQ(Settings::ReadString(L"A"), L"x:C:\\New\nC:\\New|C:\\New\\S|" + old + L"2");
+    EXPECT_EQ(Settings::ReadString(L"D"), L"C:\\New");
+    EXPECT_EQ(TestRegistry().writes, (std::vector<std::wstring>{L"A", L"D"}));
 }
-
-} // namespace
