@@ -9,9 +9,7 @@
 namespace {
 
 // Photo n, whose caption is "Photo n", and the path that the fake loaded into a bitmap.
-std::wstring PhotoPath(size_t n) {
-    return L"C:\\p\\Photo " + std::to_wstring(n) + L"_abcdefgh.jpg";
-}
+std::wstring PhotoPath(size_t n) { return L"C:\\p\\Photo " + std::to_wstring(n) + L"_abcdefgh.jpg"; }
 std::wstring Loaded(const PlatformObject& bitmap) {
     return bitmap ? *static_cast<std::wstring*>(bitmap.get()) : L"";
 }
@@ -25,18 +23,17 @@ struct Fixture {
     }
 };
 
-TEST(Crossfade, PeriodFollowsSaverPauseAlphaTheStepAndCaptionTheHeight) {
-    const uint32_t periods[] = {6000, 8000, 13000, 23000, 33000, 63000};
-    for (int32_t i = 0; i < 6; ++i)
-        EXPECT_EQ(CrossfadePeriodMs(PauseIndex(std::to_wstring(i))), periods[i]);
-    for (auto [step, alpha] : {std::pair{1, 2}, {50, 127}, {100, 255}})
-        EXPECT_EQ(FadeAlpha(step), alpha);
-    const auto corners = [](const SaverSession::Rectangle& r) {
-        return std::array{r.left, r.top, r.right, r.bottom};
-    };
+TEST(Crossfade, PeriodFollowsThePauseIndexAlphaTheStepAndCaptionTheHeight) {
+    const uint32_t periods[] = {13000, 6000, 8000, 13000, 23000, 33000, 63000, 13000};
+    for (int32_t i = -1; i <= 6; ++i) EXPECT_EQ(CrossfadePeriodMs(i), periods[i + 1]) << i;
+    for (auto [step, alpha] : {std::pair{0, 0}, {1, 2}, {50, 127}, {100, 255}, {101, 255}})
+        EXPECT_EQ(FadeAlpha(step), alpha) << step;
     const CaptionLayout full = LayOutCaption(SaverMode::Fullscreen, 1920, 1080);
-    EXPECT_EQ(corners(full.text), (std::array{24, 0, 1896, 1056}));
-    EXPECT_EQ(corners(full.shadow), (std::array{26, 2, 1898, 1058}));
+    const auto& [text, shadow] = std::pair{full.text, full.shadow};
+    EXPECT_EQ((std::array{text.left, text.top, text.right, text.bottom}),
+              (std::array{24, 0, 1896, 1056}));
+    EXPECT_EQ((std::array{shadow.left, shadow.top, shadow.right, shadow.bottom}),
+              (std::array{26, 2, 1898, 1058}));
     for (auto [mode, height, font] : {std::tuple{SaverMode::Fullscreen, 500, 12},
                                       {SaverMode::Preview, 100, 12},
                                       {SaverMode::Preview, 240, 20}})
@@ -46,11 +43,7 @@ TEST(Crossfade, PeriodFollowsSaverPauseAlphaTheStepAndCaptionTheHeight) {
 TEST(Crossfade, LoadTriesAtMostTenPhotosAndEachOnceMovingOnOverFailures) {
     // Photos, cursor, the photos tried in order, how many of the first ones tried fail.
     const std::tuple<size_t, uint64_t, std::vector<size_t>, size_t> cases[] = {
-        {1, 0, {0}, 0},
-        {1, 0, {0}, 1},
-        {2, 1, {1, 0}, 1},
-        {2, 3, {1, 0}, 2},
-        {25, 20, {20}, 0},
+        {1, 0, {0}, 1}, {2, 3, {1, 0}, 1}, {2, 3, {1, 0}, 2},
         {25, 0, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 9},
         {25, 20, {20, 21, 22, 23, 24, 0, 1, 2, 3, 4}, 10}};
     for (const auto& [photos, cursor, indices, failures] : cases) {

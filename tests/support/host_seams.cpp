@@ -1,6 +1,6 @@
-// The host build's definitions of the functions that src/platform/ defines for Windows: every
-// link-time seam of the logic in one place. Each hands the call to an in-memory stand-in that
-// the tests set up and read back.
+// The host build's definitions of the functions that src/platform/ defines for Windows, but for
+// WorkQueue::DefaultSystem (photos/std_work_queue_system.cpp). Each hands the call to an
+// in-memory stand-in that the tests set up and read back.
 #include <cwctype>
 #include <vector>
 
@@ -13,8 +13,6 @@
 #include "library/system_text.h"
 #include "photos/fake_image_files.h"
 #include "photos/image_decoder.h"
-#include "photos/std_work_queue_system.h"
-#include "photos/work_queue.h"
 #include "support/random_fake.h"
 
 namespace {
@@ -81,12 +79,6 @@ bool ReadOrientedSize(const std::wstring& path, ImageSize& size) {
     if (!image || image->width == 0 || image->height == 0) return false;
     size = OrientedSize(image->width, image->height, image->transform);
     return true;
-}
-
-// Host sessions start real standard threads.
-WorkQueue::System& WorkQueue::DefaultSystem() {
-    static StdWorkQueueSystem system;
-    return system;
 }
 
 // The host has no log file: lines are dropped, as when log.txt can't be opened.
