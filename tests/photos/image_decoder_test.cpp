@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <tuple>
 
 #include "photos/fake_image_files.h"
 #include "photos/image_decoder.h"
@@ -18,14 +19,10 @@ TEST(ImageDecoder, OrientationTagsMapToTheFlipRotatorsTransforms) {
 }
 
 TEST(ImageDecoder, PlansScaleCropAndPlacement) {
-    struct Case {
-        uint32_t frameWidth, frameHeight, transform;
-        int32_t width, height;
-        bool cover;
-        // scaled w h, scaler w h, source x y, copied w h, destination x y
-        std::array<uint32_t, 10> plan;
-    };
-    const Case cases[] = {
+    // The frame's width, height and transform, the target's width and height, cover, and the
+    // plan: scaled w h, scaler w h, source x y, copied w h, destination x y.
+    using Plan = std::array<uint32_t, 10>;
+    const std::tuple<uint32_t, uint32_t, uint32_t, int32_t, int32_t, bool, Plan> cases[] = {
         {4000, 3000, 0, 1920, 1080, false, {1440, 1080, 1440, 1080, 0, 0, 1440, 1080, 240, 0}},
         {4000, 3000, 0, 1920, 1080, true, {1920, 1440, 1920, 1440, 0, 180, 1920, 1080, 0, 0}},
         // Orientation 6: the scaler works in the frame's axes, before the rotation.
@@ -36,15 +33,14 @@ TEST(ImageDecoder, PlansScaleCropAndPlacement) {
         {5000, 3, 0, 1536, 1, true, {1667, 1, 1667, 1, 65, 0, 1536, 1, 0, 0}},
         // A very thin photo still gets a side of 1.
         {100000, 1, 0, 1920, 1080, false, {1920, 1, 1920, 1, 0, 0, 1920, 1, 0, 539}}};
-    for (const Case& c : cases) {
-        const auto g =
-            PlanDecode(c.frameWidth, c.frameHeight, c.transform, c.width, c.height, c.cover);
-        ASSERT_TRUE(g) << c.frameWidth << "x" << c.frameHeight;
-        const std::array<uint32_t, 10> plan{
-            g->scaled.width, g->scaled.height, g->scaler.width,  g->scaler.height,
-            g->sourceX,      g->sourceY,       g->copied.width,  g->copied.height,
-            g->destinationX, g->destinationY};
-        EXPECT_EQ(plan, c.plan) << c.frameWidth << "x" << c.frameHeight << " cover " << c.cover;
+    for (const auto& [frameWidth, frameHeight, transform, width, height, cover, plan] : cases) {
+        const auto g = PlanDecode(frameWidth, frameHeight, transform, width, height, cover);
+        ASSERT_TRUE(g) << frameWidth << "x" << frameHeight;
+        EXPECT_EQ(
+            (Plan{g->scaled.width, g->scaled.height, g->scaler.width, g->scaler.height, g->sourceX,
+                  g->sourceY, g->copied.width, g->copied.height, g->destinationX, g->destinationY}),
+            plan)
+            << frameWidth << "x" << frameHeight << " cover " << cover;
     }
     EXPECT_FALSE(PlanDecode(4000, 3000, 0, 0, 1080, false));
     EXPECT_FALSE(PlanDecode(4000, 3000, 0, 1920, -1, true));

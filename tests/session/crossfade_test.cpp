@@ -9,7 +9,9 @@
 namespace {
 
 // Photo n, whose caption is "Photo n", and the path that the fake loaded into a bitmap.
-std::wstring PhotoPath(size_t n) { return L"C:\\p\\Photo " + std::to_wstring(n) + L"_abcdefgh.jpg"; }
+std::wstring PhotoPath(size_t n) {
+    return L"C:\\p\\Photo " + std::to_wstring(n) + L"_abcdefgh.jpg";
+}
 std::wstring Loaded(const PlatformObject& bitmap) {
     return bitmap ? *static_cast<std::wstring*>(bitmap.get()) : L"";
 }
@@ -29,11 +31,11 @@ TEST(Crossfade, PeriodFollowsThePauseIndexAlphaTheStepAndCaptionTheHeight) {
     for (auto [step, alpha] : {std::pair{0, 0}, {1, 2}, {50, 127}, {100, 255}, {101, 255}})
         EXPECT_EQ(FadeAlpha(step), alpha) << step;
     const CaptionLayout full = LayOutCaption(SaverMode::Fullscreen, 1920, 1080);
-    const auto& [text, shadow] = std::pair{full.text, full.shadow};
-    EXPECT_EQ((std::array{text.left, text.top, text.right, text.bottom}),
-              (std::array{24, 0, 1896, 1056}));
-    EXPECT_EQ((std::array{shadow.left, shadow.top, shadow.right, shadow.bottom}),
-              (std::array{26, 2, 1898, 1058}));
+    const auto corners = [](const SaverSession::Rectangle& r) {
+        return std::array{r.left, r.top, r.right, r.bottom};
+    };
+    EXPECT_EQ(corners(full.text), (std::array{24, 0, 1896, 1056}));
+    EXPECT_EQ(corners(full.shadow), (std::array{26, 2, 1898, 1058}));
     for (auto [mode, height, font] : {std::tuple{SaverMode::Fullscreen, 500, 12},
                                       {SaverMode::Preview, 100, 12},
                                       {SaverMode::Preview, 240, 20}})

@@ -65,7 +65,7 @@ TEST(MouseRule, FirstMoveRecordsAndNineFromThereHidesEveryWindowAndQuitsOnce) {
         {{{100, 100}, {108, 92}}, false},           // 8 along both
         {{{100, 100}, {109, 100}, {300, 9}}, true}, // 9 along x, then more
         {{{100, 100}, {100, 91}}, true},
-        {{{100, 100}, {105, 100}, {110, 100}}, true}, // drifting adds up
+        {{{100, 100}, {105, 100}, {110, 100}}, true},                  // drifting adds up
         {{{-1920, -5}, {-1914, -5}, {-1926, -5}, {-1920, 3}}, false}}; // the record stays put
     for (const auto& [moves, dismissed] : cases) {
         FakeWindowThread thread;

@@ -61,7 +61,6 @@ std::wstring WideFromUtf8(const std::string& text) { return {text.begin(), text.
 // geometry.
 bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool cover,
                   void* pixels, uint32_t stride) {
-    if (width < 1 || height < 1) return false;
     const FakeImage* image = Open(path);
     if (!image) return false;
     const auto g = PlanDecode(image->width, image->height, image->transform, width, height, cover);
