@@ -136,11 +136,9 @@ TEST(SessionDirect2D, EachWindowGetsItsTargetScaleAndPhotosOrAllGoToTheCrossfade
         for (size_t i = 0; i < 2; ++i) {
             const ScreenWindow& window = *loop.session.windows[i];
             EXPECT_EQ(window.scale, 480.0f / 1080.0f * 2.0f); // a pane 480 high, at 192 DPI
-            // Each target has its window's size; only the first waits for the display.
-            const auto& request = loop.thread.targetRequests[i];
-            EXPECT_TRUE(request.window == window.hwnd && request.width == 640 + 160 * int(i) &&
-                        request.height == 480 && request.primary == (i == 0));
-            EXPECT_EQ(window.primary, i == 0);
+            // Each target has its window's size; only the first window's waits for the display.
+            EXPECT_EQ(loop.thread.targetRequests[i],
+                      std::tuple(window.hwnd, 640 + 160 * int(i), 480, i == 0));
             const int parts = !!window.effect + !!window.source + !!window.target + !!window.layer;
             EXPECT_EQ(parts, secondFails ? 0 : 4);
             // Each window's photos start at its own place, with the session's caption flags.

@@ -6,7 +6,6 @@
 
 #include "library/memory_registry.h"
 #include "session/saver_session.h"
-#include "support/random_fake.h"
 
 namespace {
 
@@ -65,12 +64,6 @@ TEST(SessionStartup, ReadOptionsFallsBackPerValue) {
         EXPECT_TRUE(options.kind == kind && options.effectOptions.pauseIndex == pauseIndex &&
                     options.effectOptions.fit == flags[0]);
     }
-    // "random" draws one number, once for the whole run.
-    TestRegistry().PutString(L"SaverShow", L"random");
-    SetNextRandom(6 * 1000 + 4);
-    const auto drawn = RandomDrawCount();
-    EXPECT_EQ(SaverSession(SaverMode::Fullscreen).ReadOptions().kind, EffectKind::Slider);
-    EXPECT_EQ(RandomDrawCount(), drawn + 1);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "session/window_thread.h"
@@ -63,12 +64,8 @@ public:
     std::vector<WindowHandle> hidden;
     std::vector<WindowHandle> invalidated;
     uint32_t dpi = 96;
-    struct TargetRequest {
-        WindowHandle window;
-        int32_t width, height;
-        bool primary; // presents with the display's refresh
-    };
-    std::vector<TargetRequest> targetRequests;
+    // Window, width, height and whether it presents with the display's refresh.
+    std::vector<std::tuple<WindowHandle, int32_t, int32_t, bool>> targetRequests;
     std::function<std::unique_ptr<DrawingSurface>(WindowHandle)> makeTarget;
     std::set<std::wstring> unreadable; // paths whose load fails
     std::vector<std::wstring> loads;   // every path asked for, in order
