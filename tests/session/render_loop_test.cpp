@@ -118,6 +118,11 @@ TEST(RenderLoop, ALostTargetIsRemadeWhileCoveredAndTargetlessWindowsWait) {
     // Four targets at start-up, window 2's in every pass and window 0's again; the window
     // without an effect never asks again.
     EXPECT_EQ(loop.thread.targetRequests.size(), 4u + 4 + 1);
+    // The device's objects go at once, not only when the target is made again.
+    Loop last(1);
+    last.logs[0]->endDrawResults = {EndDrawResult::RecreateTarget};
+    last.Run(1);
+    EXPECT_EQ(last.logs[0]->targetsAlive + last.logs[0]->layersAlive, 0);
 }
 
 TEST(SessionDirect2D, EachWindowGetsItsTargetScaleAndPhotosOrAllGoToTheCrossfade) {
