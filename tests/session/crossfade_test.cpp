@@ -1,7 +1,5 @@
-// The crossfade's timing, alpha, caption placement, and each window's loads and fades.
+// The crossfade's timing, alpha, caption size, and each window's loads and fades.
 #include <gtest/gtest.h>
-
-#include <array>
 
 #include "session/crossfade.h"
 #include "support/fake_window_thread.h"
@@ -30,12 +28,7 @@ TEST(Crossfade, PeriodFollowsThePauseIndexAlphaTheStepAndCaptionTheHeight) {
     for (int32_t i = -1; i <= 6; ++i) EXPECT_EQ(CrossfadePeriodMs(i), periods[i + 1]) << i;
     for (auto [step, alpha] : {std::pair{0, 0}, {1, 2}, {50, 127}, {100, 255}, {101, 255}})
         EXPECT_EQ(FadeAlpha(step), alpha) << step;
-    const CaptionLayout full = LayOutCaption(SaverMode::Fullscreen, 1920, 1080);
-    const auto corners = [](const SaverSession::Rectangle& r) {
-        return std::array{r.left, r.top, r.right, r.bottom};
-    };
-    EXPECT_EQ(corners(full.text), (std::array{24, 0, 1896, 1056}));
-    EXPECT_EQ(corners(full.shadow), (std::array{26, 2, 1898, 1058}));
+    // The caption's place on a monitor is seen end to end; a preview's pane sets larger text.
     for (auto [mode, height, font] : {std::tuple{SaverMode::Fullscreen, 500, 12},
                                       {SaverMode::Preview, 100, 12},
                                       {SaverMode::Preview, 240, 20}})
