@@ -1,74 +1,64 @@
-// The render loop against a scripted clock and message queue, with recording targets.
+// The render loop and the Direct2D start of a session, against a scripted window thread and
+// recording targets.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <set>
+#include <array>
 
 #include "effects/recording_surface.h"
 #include "session/saver_session.h"
+#include "session/window_messages.h"
 #include "support/fake_window_thread.h"
 
 namespace {
 
 using Op = SurfaceCall::Op;
 
-// What the effects saw, in call order: window index, frame time and canvas of each draw.
-struct Frame {
-    int window;
-    double elapsed;
-    Canvas canvas;
+// An effect that hands its draws and releases to the test.
+struct ProbeEffect final : Effect {
+    std::function<void(const Canvas&, double)> draw;
+    std::function<void()> release;
+    void Draw(const Canvas& canvas, double elapsed) override { draw(canvas, elapsed); }
+    void ReleaseTargetResources() override { release(); }
 };
 
-// Records its frames, takes `work` milliseconds of the scripted clock per frame and leaves a
-// rotation on the target.
-class ProbeEffect final : public Effect {
-public:
-    ProbeEffect(int index, std::vector<Frame>& draws, std::vector<int>& releases,
-                FakeWindowThread& thread, double work)
-        : index(index), draws(draws), releases(releases), thread(thread), work(work) {}
-    void Draw(const Canvas& canvas, double elapsed) override {
-        draws.push_back({index, elapsed, canvas});
-        canvas.target->SetTransform(Matrix3x2F{0, 1, -1, 0, 5, 5});
-        thread.Advance(work);
-    }
-    void ReleaseTargetResources() override { releases.push_back(index); }
-
-private:
-    int index;
-    std::vector<Frame>& draws;
-    std::vector<int>& releases;
-    FakeWindowThread& thread;
-    double work;
-};
-
-// A full-screen session of `count` windows of different sizes and scales with probe effects;
-// each window's targets record into a log of its own.
+// A session of 10 photos and `count` windows opened as the session opens them: window i is
+// 640 + 160 i by 480 pixels at the scale 1 + i / 4, has the handle i + 1, and its targets record
+// into logs[i]. Each draw is recorded, takes `work` milliseconds of the scripted clock and leaves
+// a rotation on the target.
 struct Loop {
     FakeWindowThread thread;
     SaverSession session{SaverMode::Fullscreen, &thread};
-    std::vector<Frame> draws;
-    std::vector<int> releases;
     std::vector<std::shared_ptr<SurfaceLog>> logs;
-    std::set<int> refuseTargets; // windows whose CreateWindowTarget fails
+    std::vector<std::tuple<int, double, Canvas>> draws; // window, frame time, canvas
+    std::vector<int> releases;
+    double work = 0;
 
-    explicit Loop(int count, double workPerFrame = 0) {
-        thread.makeTarget = [this](WindowHandle window, bool) -> std::unique_ptr<DrawingSurface> {
-            const int index = static_cast<int>(reinterpret_cast<uintptr_t>(window)) - 1;
-            if (refuseTargets.count(index)) return nullptr;
-            return MakeRecordingSurface(logs[index]);
+    explicit Loop(int count) {
+        thread.makeTarget = [this](WindowHandle window) {
+            return MakeRecordingSurface(logs[reinterpret_cast<uintptr_t>(window) - 1]);
         };
-        for (int i = 0; i < count; ++i) {
+        session.photos.assign(10, L"p.jpg");
+        std::vector<SaverSession::Rectangle> rectangles;
+        for (int i = 0; i < count; ++i) rectangles.push_back({2000 * i, -9, 2160 * i + 640, 471});
+        session.OpenWindows(rectangles, [this](ScreenWindow& window, const auto&) {
+            const int i = static_cast<int>(logs.size());
             logs.push_back(std::make_shared<SurfaceLog>());
-            auto window = std::make_unique<ScreenWindow>(&session, i * 5u, 640 + 160 * i, 480);
-            window->scale = 1.0f + 0.25f * static_cast<float>(i);
-            window->hwnd = reinterpret_cast<WindowHandle>(static_cast<uintptr_t>(i + 1));
-            window->effect =
-                std::make_unique<ProbeEffect>(i, draws, releases, thread, workPerFrame);
-            session.windows.push_back(std::move(window));
-        }
+            window.hwnd = reinterpret_cast<WindowHandle>(static_cast<uintptr_t>(i + 1));
+            window.scale = 1.0f + 0.25f * static_cast<float>(i);
+            auto effect = std::make_unique<ProbeEffect>();
+            effect->draw = [this, i](const Canvas& canvas, double elapsed) {
+                draws.emplace_back(i, elapsed, canvas);
+                canvas.target->SetTransform(Matrix3x2F{0, 1, -1, 0, 5, 5});
+                thread.Advance(work);
+            };
+            effect->release = [this, i] { releases.push_back(i); };
+            window.effect = std::move(effect);
+            return true;
+        });
     }
-    // Runs `passes` passes, then the quit message arrives.
-    int32_t Run(int passes = 3) {
+    // Makes every window's target, runs `passes` passes, then the quit message arrives.
+    int32_t Run(int passes) {
         for (auto& window : session.windows) window->CreateTarget();
         int reads = 0; // the start, then two per pass
         thread.onCounter = [this, &reads, passes] {
@@ -76,119 +66,90 @@ struct Loop {
         };
         return session.RenderLoop();
     }
-    size_t BeginDraws(int window) const { return logs[window]->Calls(Op::BeginDraw).size(); }
 };
 
-TEST(RenderLoop, PacesShortPassesToSixteenMilliseconds) {
-    const std::pair<double, std::vector<uint32_t>> cases[] = {
-        {0.0, {16}}, {3.7, {12}}, {7.9, {8}}, {8.0, {}}, {12.5, {}}};
-    for (const auto& [work, waits] : cases) {
-        Loop loop(1, work);
-        EXPECT_EQ(loop.Run(1), 0);
-        EXPECT_EQ(loop.thread.waits, waits) << work;
+TEST(RenderLoop, EachWindowDrawsItsCanvasAtThePassTimeAndShortPassesWaitOutSixteenMs) {
+    // Each frame takes `work`: a pass of 7.9 ms waits for 8 more, one of 8 ms runs straight on.
+    for (const auto& [work, wait] : {std::pair{3.95, 8u}, {4.0, 0u}}) {
+        Loop loop(2);
+        loop.work = work;
+        std::vector<size_t> drawnBefore; // by the messages waiting at the start
+        for (int i = 0; i < 2; ++i)
+            loop.thread.messages.push_back([&] { drawnBefore.push_back(loop.draws.size()); });
+        EXPECT_EQ(loop.Run(3), 0);
+        EXPECT_EQ(drawnBefore, (std::vector<size_t>{0, 0}));
+        EXPECT_EQ(loop.thread.waits, std::vector<uint32_t>(wait ? 3 : 0, wait));
+        ASSERT_EQ(loop.draws.size(), 6u); // and none after the quit message
+        for (size_t i = 0; i < 6; ++i) {
+            const auto& [index, elapsed, c] = loop.draws[i];
+            const ScreenWindow& window = *loop.session.windows[i % 2];
+            EXPECT_EQ(index, int(i % 2));
+            EXPECT_NEAR(elapsed, (2 * work + wait) * double(i / 2), 1e-6); // one for the pass
+            EXPECT_TRUE(c.target == window.target.get() && c.layer == window.layer.get()) << i;
+            EXPECT_EQ((std::array{c.width, c.height, c.scale}),
+                      (std::array{640.0f + 160 * index, 480.0f, 1.0f + 0.25f * index}));
+        }
+        for (const auto& log : loop.logs) {
+            // Each frame starts cleared to opaque black and ends with the rotation undone.
+            EXPECT_EQ(log->Calls(Op::Clear).at(2).color, (ColorF{0, 0, 0, 1}));
+            const auto ops = log->Ops();
+            EXPECT_EQ(*(std::find(ops.begin(), ops.end(), Op::EndDraw) - 1), Op::SetTransform);
+            EXPECT_EQ(log->Calls(Op::SetTransform)[1].transform, Matrix3x2F{});
+            EXPECT_TRUE(log->misuses.empty());
+        }
     }
 }
 
-TEST(RenderLoop, GivesEachWindowItsCanvasAndAllOneTimePerPassOnAClearedTarget) {
-    Loop loop(2, 5.0);
-    loop.Run();
-    // Each frame takes 5 ms, yet both windows get the time of the pass; a pass of 10 ms runs
-    // straight on.
-    ASSERT_EQ(loop.draws.size(), 6u);
-    for (size_t i = 0; i < 6; ++i) {
-        const Frame& draw = loop.draws[i];
-        const ScreenWindow& window = *loop.session.windows[i % 2];
-        EXPECT_EQ(draw.window, int(i % 2));
-        EXPECT_NEAR(draw.elapsed, 10.0 * double(i / 2), 1e-6);
-        const Canvas& c = draw.canvas;
-        EXPECT_TRUE(c.target == window.target.get() && c.layer == window.layer.get()) << i;
-        EXPECT_EQ(std::vector<float>({c.width, c.height, c.scale}),
-                  std::vector<float>({float(window.width), float(window.height), window.scale}));
-    }
-    for (const auto& log : loop.logs) {
-        // Each frame starts cleared to opaque black and ends with the effect's rotation undone.
-        EXPECT_EQ(log->Calls(Op::Clear).size(), 3u);
-        EXPECT_EQ(log->Calls(Op::Clear).front().color, (ColorF{0, 0, 0, 1}));
-        const auto ops = log->Ops();
-        EXPECT_EQ(*(std::find(ops.begin(), ops.end(), Op::EndDraw) - 1), Op::SetTransform);
-        EXPECT_EQ(log->Calls(Op::SetTransform)[1].transform, Matrix3x2F{});
-        EXPECT_TRUE(log->misuses.empty());
-    }
-}
-
-TEST(RenderLoop, LostTargetIsRemadeWhileTheOtherWindowDrawsOn) {
-    Loop loop(2);
+TEST(RenderLoop, ALostTargetIsRemadeWhileCoveredAndTargetlessWindowsWait) {
+    Loop loop(4);
     loop.logs[0]->endDrawResults = {EndDrawResult::Ok, EndDrawResult::RecreateTarget};
-    loop.logs[1]->endDrawResults = {EndDrawResult::Failed}; // other failures change nothing
+    loop.logs[1]->occluded = true;
+    loop.logs[2]->failing = {Op::CreateLayer}; // its targets go again at once
+    loop.session.windows[3]->effect.reset();
     loop.Run(4);
+    // Window 0, lost after pass 2, is drawn again in pass 3; only its device objects went.
     EXPECT_EQ(loop.releases, std::vector<int>{0});
-    EXPECT_EQ(loop.BeginDraws(0), 4u); // lost after pass 2, remade and drawn in pass 3
-    EXPECT_EQ(loop.BeginDraws(1), 4u);
-    EXPECT_EQ(loop.thread.targetsRequested, 3);
+    EXPECT_EQ(loop.draws.size(), 4u);
     EXPECT_EQ(loop.logs[0]->targetsAlive + loop.logs[0]->layersAlive, 2);
+    EXPECT_TRUE(loop.logs[1]->Calls(Op::BeginDraw).empty());
+    EXPECT_TRUE(loop.session.windows[2]->target == nullptr && loop.logs[2]->targetsAlive == 0);
     // The frame time runs on from the start of the loop across the loss.
-    EXPECT_NEAR(loop.draws.back().elapsed, 3 * 16.0, 1e-6);
+    EXPECT_EQ(std::get<double>(loop.draws.back()), 3 * 16.0);
+    // Four targets at start-up, window 2's in every pass and window 0's again; the window
+    // without an effect never asks again.
+    EXPECT_EQ(loop.thread.targetRequests.size(), 4u + 4 + 1);
+    // The device's objects go at once, not only when the target is made again.
+    Loop last(1);
+    last.logs[0]->endDrawResults = {EndDrawResult::RecreateTarget};
+    last.Run(1);
+    EXPECT_EQ(last.logs[0]->targetsAlive + last.logs[0]->layersAlive, 0);
 }
 
-TEST(RenderLoop, CoveredAndTargetlessWindowsAreSkippedAndRetried) {
-    Loop loop(3);
-    loop.logs[0]->occluded = true;
-    loop.refuseTargets = {1};
-    loop.session.windows[2]->effect.reset();
-    loop.Run();
-    EXPECT_EQ(loop.BeginDraws(0), 0u);
-    EXPECT_TRUE(loop.draws.empty());
-    // Window 1 asks at start-up and in each pass; the window without an effect only once.
-    EXPECT_EQ(loop.thread.targetsRequested, 3 + 3);
-    EXPECT_EQ(loop.thread.waits, (std::vector<uint32_t>{16, 16, 16}));
-}
-
-TEST(RenderLoop, QuitBehindOtherMessagesEndsAfterThemAndDrawsNothing) {
-    Loop loop(1);
-    std::vector<int> ran;
-    loop.thread.messages = {[&] { ran.push_back(1); }, [&] { ran.push_back(2); }, nullptr,
-                            [&] { ran.push_back(3); }};
-    EXPECT_EQ(loop.session.RenderLoop(), 0);
-    EXPECT_EQ(ran, (std::vector<int>{1, 2}));
-    EXPECT_EQ(loop.BeginDraws(0), 0u);
-}
-
-TEST(RenderLoop, CreateTargetReplacesTargetAndLayerOrLeavesNone) {
-    Loop loop(1);
-    ScreenWindow& window = *loop.session.windows[0];
-    ASSERT_TRUE(window.CreateTarget() && window.CreateTarget());
-    EXPECT_EQ(loop.logs[0]->targetsAlive + loop.logs[0]->layersAlive, 2);
-    loop.logs[0]->failing = {Op::CreateLayer};
-    EXPECT_FALSE(window.CreateTarget());
-    EXPECT_EQ(window.target, nullptr);
-    EXPECT_EQ(loop.logs[0]->targetsAlive, 0);
-}
-
-TEST(SessionDirect2D, OneFailedTargetSendsEveryWindowToTheCrossfade) {
+TEST(SessionDirect2D, EachWindowGetsItsTargetScaleAndPhotosOrAllGoToTheCrossfade) {
     for (const bool secondFails : {false, true}) {
         SCOPED_TRACE(secondFails);
         Loop loop(2);
         loop.session.mode = SaverMode::Preview;
+        loop.thread.dpi = 192;
         for (auto& window : loop.session.windows) window->effect.reset();
-        if (secondFails) loop.refuseTargets = {1};
+        if (secondFails) loop.logs[1]->failing = {Op::CreateLayer};
         loop.session.title = false;
         EXPECT_EQ(loop.session.StartDirect2D({}), !secondFails);
+        // Every result reaches the user interface through the first window.
         EXPECT_EQ(loop.session.queue.window, loop.session.windows[0]->hwnd);
-        EXPECT_EQ(loop.session.queue.message, 0x8001u);
-        EXPECT_EQ(loop.session.windows[0]->scale, 480.0f / 1080.0f);
+        EXPECT_EQ(loop.session.queue.message, WindowMessage::WorkDone);
         for (size_t i = 0; i < 2; ++i) {
             const ScreenWindow& window = *loop.session.windows[i];
-            EXPECT_EQ(window.primary, i == 0);
+            EXPECT_EQ(window.scale, 480.0f / 1080.0f * 2.0f); // a pane 480 high, at 192 DPI
+            // Each target has its window's size; only the first window's waits for the display.
+            EXPECT_EQ(loop.thread.targetRequests[i],
+                      std::tuple(window.hwnd, 640 + 160 * int(i), 480, i == 0));
             const int parts = !!window.effect + !!window.source + !!window.target + !!window.layer;
             EXPECT_EQ(parts, secondFails ? 0 : 4);
-            // Each target has its window's size; only the first waits for the display.
-            const auto& request = loop.thread.targetRequests[i];
-            EXPECT_TRUE(request.window == window.hwnd && request.width == window.width &&
-                        request.height == window.height && request.primary == (i == 0));
             // Each window's photos start at its own place, with the session's caption flags.
-            if (secondFails) continue;
-            EXPECT_EQ(window.source->cursor, i * 5);
-            EXPECT_EQ(window.source->titleFlags, (TitleFlags{false, true}));
+            if (!secondFails)
+                EXPECT_TRUE(window.source->cursor == i * 5 &&
+                            window.source->titleFlags == (TitleFlags{false, true}));
         }
         EXPECT_EQ(loop.thread.invalidated.size(), secondFails ? 2u : 0u);
     }

@@ -6,11 +6,12 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "session/window_thread.h"
 
-// A scripted window thread: a counter at one count per microsecond that tests move forward, a
+// A scripted window thread: a counter at one count per microsecond that tests and waits move, a
 // message queue of callables (a null one is the quit message), and records of what the logic
 // asked of the window system.
 class FakeWindowThread final : public WindowThread {
@@ -28,38 +29,33 @@ public:
         message();
         return Dispatched::Message;
     }
+    // The wait sleeps its whole time: nothing arrives early in a scripted queue.
     void WaitForInput(uint32_t milliseconds) override {
-        // The wait sleeps its whole time: nothing arrives early in a scripted queue.
         waits.push_back(milliseconds);
         Advance(milliseconds);
     }
     void HideWindow(WindowHandle window) override { hidden.push_back(window); }
     void InvalidateWindow(WindowHandle window) override { invalidated.push_back(window); }
-    void PostQuit() override {
-        ++quitsPosted;
-        messages.push_back(nullptr);
-    }
+    void PostQuit() override { messages.push_back(nullptr); }
     uint32_t WindowDpi(WindowHandle) override { return dpi; }
-    int32_t ScreenHeight() override { return screenHeight; }
+    int32_t ScreenHeight() override { return 1080; }
     std::unique_ptr<DrawingSurface> CreateWindowTarget(const DrawingFactories*, WindowHandle window,
                                                        int32_t width, int32_t height,
                                                        bool primary) override {
-        ++targetsRequested;
         targetRequests.push_back({window, width, height, primary});
-        return makeTarget ? makeTarget(window, primary) : nullptr;
+        return makeTarget(window);
     }
     // A loaded "bitmap" is a heap copy of its path, so a leak or a double free shows under ASan.
     bool DecodeBitmap(const std::wstring& path, int32_t, int32_t, bool,
                       PlatformObject& bitmap) override {
         loads.push_back(path);
         if (unreadable.count(path)) return false;
-        const auto free = [](void* held) { delete static_cast<std::wstring*>(held); };
-        bitmap = PlatformObject(new std::wstring(path), free);
+        bitmap = PlatformObject(new std::wstring(path),
+                                [](void* held) { delete static_cast<std::wstring*>(held); });
         return true;
     }
 
-    // Moves the counter by `milliseconds`.
-    void Advance(double milliseconds) { counter += static_cast<int64_t>(milliseconds * 1000.0 + 0.5); }
+    void Advance(double milliseconds) { counter += static_cast<int64_t>(milliseconds * 1000); }
 
     int64_t counter = 5'000'000;
     std::function<void()> onCounter;
@@ -67,17 +63,10 @@ public:
     std::vector<uint32_t> waits;
     std::vector<WindowHandle> hidden;
     std::vector<WindowHandle> invalidated;
-    int quitsPosted = 0;
     uint32_t dpi = 96;
-    int32_t screenHeight = 1080;
-    int targetsRequested = 0;
-    struct TargetRequest {
-        WindowHandle window;
-        int32_t width, height;
-        bool primary; // presents with the display's refresh
-    };
-    std::vector<TargetRequest> targetRequests;
-    std::function<std::unique_ptr<DrawingSurface>(WindowHandle, bool)> makeTarget;
+    // Window, width, height and whether it presents with the display's refresh.
+    std::vector<std::tuple<WindowHandle, int32_t, int32_t, bool>> targetRequests;
+    std::function<std::unique_ptr<DrawingSurface>(WindowHandle)> makeTarget;
     std::set<std::wstring> unreadable; // paths whose load fails
     std::vector<std::wstring> loads;   // every path asked for, in order
 };

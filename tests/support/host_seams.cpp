@@ -1,6 +1,6 @@
-// The host build's definitions of the functions that src/platform/ defines for Windows: every
-// link-time seam of the logic in one place. Each hands the call to an in-memory stand-in that
-// the tests set up and read back.
+// The host build's definitions of the functions that src/platform/ defines for Windows, but for
+// WorkQueue::DefaultSystem (photos/std_work_queue_system.cpp). Each hands the call to an
+// in-memory stand-in that the tests set up and read back.
 #include <cwctype>
 #include <vector>
 
@@ -13,8 +13,6 @@
 #include "library/system_text.h"
 #include "photos/fake_image_files.h"
 #include "photos/image_decoder.h"
-#include "photos/std_work_queue_system.h"
-#include "photos/work_queue.h"
 #include "support/random_fake.h"
 
 namespace {
@@ -63,7 +61,6 @@ std::wstring WideFromUtf8(const std::string& text) { return {text.begin(), text.
 // geometry.
 bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool cover,
                   void* pixels, uint32_t stride) {
-    if (width < 1 || height < 1) return false;
     const FakeImage* image = Open(path);
     if (!image) return false;
     const auto g = PlanDecode(image->width, image->height, image->transform, width, height, cover);
@@ -81,12 +78,6 @@ bool ReadOrientedSize(const std::wstring& path, ImageSize& size) {
     if (!image || image->width == 0 || image->height == 0) return false;
     size = OrientedSize(image->width, image->height, image->transform);
     return true;
-}
-
-// Host sessions start real standard threads.
-WorkQueue::System& WorkQueue::DefaultSystem() {
-    static StdWorkQueueSystem system;
-    return system;
 }
 
 // The host has no log file: lines are dropped, as when log.txt can't be opened.

@@ -5,24 +5,37 @@
 #include <memory>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 #include "photos/work_queue.h"
 
-// A work queue system whose background thread never runs: jobs wait in the queue until a test
-// runs them on its own thread with RunJobs, so photos arrive exactly when the test says.
+// A work queue system whose background thread never runs by itself: jobs wait in the queue until
+// a test runs them on its own thread, with RunJobs or with the queue's own loop (`loop`), so
+// photos arrive exactly when the test says. A wait for the thread ends at once.
 class ScriptedQueueSystem final : public WorkQueue::System {
     struct Idle final : WorkQueue::Wake, WorkQueue::Thread {
+        explicit Idle(uint32_t& waited) : waited(waited) {}
         void Set() override {}
         void Wait() override {}
-        void Wait(uint32_t) override {}
+        void Wait(uint32_t milliseconds) override { waited = milliseconds; }
+        uint32_t& waited;
     };
 
 public:
-    std::unique_ptr<WorkQueue::Wake> CreateWake() override { return std::make_unique<Idle>(); }
-    std::unique_ptr<WorkQueue::Thread> StartThread(std::function<void()>) override {
-        return std::make_unique<Idle>();
+    std::unique_ptr<WorkQueue::Wake> CreateWake() override {
+        return std::make_unique<Idle>(waited);
     }
-    void Notify(WindowHandle, uint32_t) override {}
+    std::unique_ptr<WorkQueue::Thread> StartThread(std::function<void()> main) override {
+        loop = std::move(main);
+        return std::make_unique<Idle>(waited);
+    }
+    void Notify(WindowHandle window, uint32_t message) override {
+        notified.emplace_back(window, message);
+    }
+
+    std::function<void()> loop; // the thread's body; it holds the queue's shared block
+    uint32_t waited = 0;        // the bound of the last wait for the thread
+    std::vector<std::pair<WindowHandle, uint32_t>> notified;
 };
 
 // Runs up to `count` waiting jobs in the order posted, then every completion, as the window
