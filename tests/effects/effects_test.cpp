@@ -91,8 +91,10 @@ Matrix3x2F Shift(double x) { return {1, 0, 0, 1, static_cast<float>(x), 0}; }
 Matrix3x2F Camera(uint32_t row, double progress) {
     const double pans[] = {0.1, 0.05, 0.0, -0.05, -0.1}, zooms[] = {1.2, 1.1, 1.1, 1.1, 1.2};
     const double z = (zooms[row] - 1) * progress + 1;
+    // clang-format off
     return {float(z), 0, 0, float(z), float(320 * (1 - z) + progress * pans[row] * 640),
             float(240 * (1 - z))};
+    // clang-format on
 }
 
 TEST(SingleEffect, EachKindRunsItsTimelineWithCaptionsThroughAChangeAndALostTarget) {
@@ -105,6 +107,7 @@ TEST(SingleEffect, EachKindRunsItsTimelineWithCaptionsThroughAChangeAndALostTarg
         Matrix3x2F transform;
         size_t draws = 1; // Reflections: strips while the picture turns
         size_t photo = 0;
+        // clang-format off
     } cases[] = {
         {kFader, 0, 0, -1}, {kFader, 0, 1299, -1}, {kFader, 0, 1300, Ease(0)},
         {kFader, 0, 2800, Ease(0.5)}, {kFader, 0, 4300, 1}, {kFader, 0, 4299 + kHold, 1},
@@ -135,6 +138,7 @@ TEST(SingleEffect, EachKindRunsItsTimelineWithCaptionsThroughAChangeAndALostTarg
         {kReflections, 0, 4200 + kHold, -1},
         {kReflections, 0, 5300 + kHold, EaseOut(0.5), {}, 160, 1},
     };
+    // clang-format on
     std::map<std::pair<EffectKind, uint32_t>, std::unique_ptr<Rig>> rigs;
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << int(c.kind) << " row " << c.row << " at " << c.at);
@@ -157,8 +161,10 @@ TEST(SingleEffect, EachKindRunsItsTimelineWithCaptionsThroughAChangeAndALostTarg
         EXPECT_NEAR(photo.opacity, c.opacity, 1e-6);
         EXPECT_EQ(OfOp(frame, Op::PushLayer).empty(), photo.opacity >= 1); // full: no layer
         const Matrix3x2F& m = photo.transform;
-        for (const auto [actual, expected] : {std::pair{m.m11, c.transform.m11}, {m.m12, 0.0f},
-                                              {m.m22, c.transform.m22}, {m.dx, c.transform.dx},
+        for (const auto [actual, expected] : {std::pair{m.m11, c.transform.m11},
+                                              {m.m12, 0.0f},
+                                              {m.m22, c.transform.m22},
+                                              {m.dx, c.transform.dx},
                                               {m.dy, c.transform.dy}})
             EXPECT_NEAR(actual, expected, 1e-3);
         rig->LoseTarget(); // the same picture comes back from kept pixels
@@ -219,7 +225,7 @@ TEST(Reflections, CompositeFramesThePhotoAndMirrorsOnlyThePhotoOncePerPhoto) {
     ASSERT_EQ(of(Op::FillRectangle).size(), 1u);
     EXPECT_EQ(of(Op::FillRectangle)[0].rect, (RectF{64, 36, 576, 324})); // the frame
     const auto draws = of(Op::DrawBitmap);
-    ASSERT_EQ(draws.size(), 3u); // shadow, photo, mirror image
+    ASSERT_EQ(draws.size(), 3u);                   // shadow, photo, mirror image
     EXPECT_EQ(draws[0].rect.top, 36 - 90 + 20.0f); // the shadow: pad 90, dropped by 20
     EXPECT_TRUE(draws[1].rect == photo && draws[1].transform == Matrix3x2F{});
     EXPECT_TRUE(draws[2].rect == photo && draws[2].transform == (Matrix3x2F{1, 0, 0, -1, 0, 668}));
@@ -253,12 +259,14 @@ TEST(Reflections, PerspectiveCutsThePictureIntoOverlappingStripsNearerOnTheLeft)
     rig.target->EndDraw();
     const auto strips = rig.log->Calls(Op::DrawBitmap);
     ASSERT_EQ(strips.size(), 250u + 251u); // the second ends in a narrower strip
+    // clang-format off
     const std::pair<size_t, RectF> references[] = {
         {0, {191.11f, 51.53f, 195.33f, 748.47f}}, {249, {689.01f, 184.03f, 691.24f, 615.97f}}};
+    // clang-format on
     for (const auto& [i, r] : references) {
         const RectF& s = strips[i].rect;
-        for (const auto [actual, expected] : {std::pair{s.left, r.left}, {s.top, r.top},
-                                              {s.right, r.right}, {s.bottom, r.bottom}})
+        for (const auto [actual, expected] :
+             {std::pair{s.left, r.left}, {s.top, r.top}, {s.right, r.right}, {s.bottom, r.bottom}})
             EXPECT_NEAR(actual, expected, 0.01);
         EXPECT_EQ(strips[i].source, (RectF{4.0f * i, 0, 4.0f * i + 4, 800}));
     }
@@ -275,8 +283,10 @@ TEST(Faller, OpensFullUnderAVeilWithPrintsPlacedApartAndBordersByTheWidth) {
     //
     // Width, scale, border (0.45% of the width, within 4 and 10 x scale), the opening (print 0
     // counts for print 1 once it has left the top, from 7000 on), and print 1's centre.
+    // clang-format off
     const float cases[][5] = {{640, 1, 4, 5000, .942f}, {640, 2, 8, 7000, .058f},
                               {1920, 1, 8.64f, 7000, .058f}, {3840, 1, 10, 5000, .942f}};
+    // clang-format on
     const double lead[] = {7000, 6000, 3300, 0}, duration[] = {10000, 12000, 11000, 9000};
     for (const auto& [width, scale, border, start, x] : cases) {
         Rig rig(EffectKind::Faller, {}, width, 480, scale);
@@ -287,8 +297,7 @@ TEST(Faller, OpensFullUnderAVeilWithPrintsPlacedApartAndBordersByTheWidth) {
         RunJobs(rig.queue);
         SetNextRandom(0xFFFFFFFF - 34);
         // The first painted frame lies under an opaque veil; there the last print is at q 0.
-        EXPECT_EQ(OfOp(rig.Frame(start), Op::FillRectangle).back().rect,
-                  (RectF{0, 0, width, 480}));
+        EXPECT_EQ(OfOp(rig.Frame(start), Op::FillRectangle).back().rect, (RectF{0, 0, width, 480}));
         EXPECT_EQ(rig.log->Calls(Op::CreateSolidColorBrush).back().color, (ColorF{0, 0, 0, 1}));
         // The gradient, then each print's paper; its photo comes after its shadow. The veil lifts.
         const auto frame = rig.Frame(start + 450);
@@ -320,13 +329,17 @@ TEST(FourUp, StartsFourSecondsApartInTwoColumnsWithTheBottomRowUnderTheTallerTop
     // Scale, file 1's size, the layout of the others (left, right column, cell, row height), and
     // the bottom row's top under file 1: four canvases high bound file 1 to 80 x 800; 944 x 59
     // is lower than slot 1's photo; at scale 2 file 1 is 800 x 800.
+    // clang-format off
     const float cases[][8] = {{1, 100, 1000, 8, 976, 944, 118, 816},
                               {1, 800, 50, 8, 976, 944, 118, 134},
                               {2, 400, 400, 16, 992, 928, 116, 832}};
+    // clang-format on
     // Each photo is delivered at once: slot i asks at 4000 i, comes on 1 ms later, dark for 1300.
+    // clang-format off
     const std::pair<double, size_t> shown[] = {{0, 0}, {1, 0}, {1301, 1}, {3999, 1}, {4000, 1},
         {4001, 1}, {5300, 1}, {5301, 2}, {8000, 2}, {8001, 2}, {9300, 2}, {9301, 3}, {12000, 3},
         {12001, 3}, {13300, 3}};
+    // clang-format on
     for (const auto& [scale, width, height, left, column, cell, row, bottom] : cases) {
         Rig rig(EffectKind::FourUp, {1, false}, 1920, 200, scale);
         for (const auto& photo : rig.photos) FakeFiles().files[photo] = {800, 100};

@@ -28,12 +28,14 @@ inline bool operator==(const Matrix3x2F& a, const Matrix3x2F& b) {
 
 // One call on a recording target, brush or text format. Only the fields that it takes are set.
 struct SurfaceCall {
+    // clang-format off
     enum class Op {
         BeginDraw, Clear, EndDraw, SetTransform, CreateBitmap, CreateSolidColorBrush,
         CreateLinearGradientBrush, CreateLayer, CreateCompatibleRenderTarget, CreateTextFormat,
         DrawBitmap, FillRectangle, DrawString, PushLayer, PopLayer,
         SetColor, SetTextAlignment, SetWordWrapping // on a brush or a text format
     };
+    // clang-format on
 
     Op op = Op::BeginDraw;
     int target = 0; // the target called, or the one that made the brush or format
@@ -66,7 +68,7 @@ struct SurfaceLog {
     uint32_t maximumBitmapSize = 16384;
 
     int bitmapsAlive = 0, layersAlive = 0, targetsAlive = 0; // targets: window and offscreen
-    int nextId = 1; // numbers targets and objects alike
+    int nextId = 1;                                          // numbers targets and objects alike
 
     // The calls of one op, of every target or only of `target`; all ops in order.
     std::vector<SurfaceCall> Calls(SurfaceCall::Op op, int target = 0) const;
