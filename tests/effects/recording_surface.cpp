@@ -5,6 +5,7 @@
 #include <utility>
 
 using Op = SurfaceCall::Op;
+template <class T> using Own = std::unique_ptr<T>;
 
 namespace {
 
@@ -16,8 +17,7 @@ struct Recorded final : SurfaceBitmap, SurfaceBrush, SurfaceLayer, TextFormat {
     }
     ~Recorded() override { --*alive; }
     SurfaceCall& Record(Op op) {
-        log->calls.push_back({op, target, {}, {}, id});
-        return log->calls.back();
+        return log->calls.emplace_back(SurfaceCall{op, target, {}, {}, id});
     }
     void SetColor(const ColorF& color) override { Record(Op::SetColor).color = color; }
     void SetTextAlignment(TextAlignment v) override { Record(Op::SetTextAlignment).value = int(v); }
@@ -61,38 +61,37 @@ public:
     }
     bool IsOccluded() override { return window && log->occluded; }
     void UseGrayscaleTextAntialiasing() override {}
-    uint32_t MaximumBitmapSize() override { return log->maximumBitmapSize; }
+    uint32_t MaximumBitmapSize() override { return 16384; }
 
-    std::unique_ptr<SurfaceBitmap> CreateBitmap(uint32_t width, uint32_t height,
-                                                const uint32_t* pixels) override {
+    Own<SurfaceBitmap> CreateBitmap(uint32_t width, uint32_t height,
+                                    const uint32_t* pixels) override {
         SurfaceCall& call = Record(Op::CreateBitmap, {0, 0, float(width), float(height)});
         call.pixels.assign(pixels, pixels + size_t{width} * height);
         return Make(call, &log->bitmapsAlive);
     }
-    std::unique_ptr<SurfaceBrush> CreateSolidColorBrush(const ColorF& color) override {
+    Own<SurfaceBrush> CreateSolidColorBrush(const ColorF& color) override {
         return Make(Record(Op::CreateSolidColorBrush, {}, color));
     }
-    std::unique_ptr<SurfaceBrush> CreateLinearGradientBrush(PointF start, PointF end,
-                                                            const GradientStop* stops,
-                                                            uint32_t count) override {
+    Own<SurfaceBrush> CreateLinearGradientBrush(PointF start, PointF end, const GradientStop* stops,
+                                                uint32_t count) override {
         SurfaceCall& call = Record(Op::CreateLinearGradientBrush, {start.x, start.y, end.x, end.y});
         call.stops.assign(stops, stops + count);
         return Make(call);
     }
-    std::unique_ptr<SurfaceLayer> CreateLayer() override {
+    Own<SurfaceLayer> CreateLayer() override {
         return Make(Record(Op::CreateLayer), &log->layersAlive);
     }
-    std::unique_ptr<DrawingSurface> CreateCompatibleRenderTarget(SizeF, uint32_t width,
-                                                                 uint32_t height) override {
+    Own<DrawingSurface> CreateCompatibleRenderTarget(SizeF, uint32_t width,
+                                                     uint32_t height) override {
         auto target = std::make_unique<RecordingSurface>(log, false);
         Record(Op::CreateCompatibleRenderTarget, {0, 0, float(width), float(height)}).object =
             target->id;
         return target;
     }
-    std::unique_ptr<SurfaceBitmap> GetBitmap() override {
+    Own<SurfaceBitmap> GetBitmap() override {
         return std::make_unique<Recorded>(log, log->nextId++, id, &log->bitmapsAlive);
     }
-    std::unique_ptr<TextFormat> CreateTextFormat(const TextFormatParams& font) override {
+    Own<TextFormat> CreateTextFormat(const TextFormatParams& font) override {
         SurfaceCall& call = Record(Op::CreateTextFormat);
         call.text = font.family;
         call.font = font;
@@ -124,8 +123,7 @@ public:
 
 private:
     SurfaceCall& Record(Op op, const RectF& rect = {}, const ColorF& color = {}) {
-        log->calls.push_back({op, id, rect, color});
-        return log->calls.back();
+        return log->calls.emplace_back(SurfaceCall{op, id, rect, color});
     }
     // A call inside BeginDraw/EndDraw, with the state that shapes it.
     SurfaceCall& RecordDraw(Op op, const RectF& rect = {}, int object = 0) {
@@ -136,7 +134,7 @@ private:
         for (float opacity : opacities) call.opacity *= opacity;
         return call;
     }
-    std::unique_ptr<Recorded> Make(SurfaceCall& call, int* count = &uncounted) {
+    Own<Recorded> Make(SurfaceCall& call, int* count = &uncounted) {
         if (log->failing.count(call.op)) return nullptr;
         call.object = log->nextId++;
         return std::make_unique<Recorded>(log, call.object, id, count);
@@ -158,7 +156,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<DrawingSurface> MakeRecordingSurface(std::shared_ptr<SurfaceLog> log) {
+Own<DrawingSurface> MakeRecordingSurface(std::shared_ptr<SurfaceLog> log) {
     return std::make_unique<RecordingSurface>(std::move(log), true);
 }
 

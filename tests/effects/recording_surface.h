@@ -65,7 +65,6 @@ struct SurfaceLog {
     std::set<SurfaceCall::Op> failing;
     bool occluded = false;                    // IsOccluded of window targets
     std::deque<EndDrawResult> endDrawResults; // taken one per EndDraw; Ok once empty
-    uint32_t maximumBitmapSize = 16384;
 
     int bitmapsAlive = 0, layersAlive = 0, targetsAlive = 0; // targets: window and offscreen
     int nextId = 1;                                          // numbers targets and objects alike
