@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <map>
 
 #include "effects/effect.h"
@@ -31,9 +32,10 @@ std::vector<SurfaceCall> OfOp(const std::vector<SurfaceCall>& calls, Op op) {
 
 // Two records of floats (rectangles, transforms) that agree to within `within`.
 template <class T> bool Near(const T& a, const T& b, float within = 1e-3f) {
-    const auto* x = reinterpret_cast<const float*>(&a);
-    const auto* y = reinterpret_cast<const float*>(&b);
-    for (size_t i = 0; i < sizeof(T) / sizeof(float); ++i)
+    float x[sizeof(T) / sizeof(float)], y[sizeof(T) / sizeof(float)];
+    std::memcpy(x, &a, sizeof a);
+    std::memcpy(y, &b, sizeof b);
+    for (size_t i = 0; i < std::size(x); ++i)
         if (std::abs(x[i] - y[i]) > within) return false;
     return true;
 }
@@ -167,6 +169,9 @@ TEST(SingleEffect, EachKindRunsItsTimelineWithCaptionsThroughAChangeAndALostTarg
         const auto again = rig->Draws(c.at);
         ASSERT_EQ(again.size(), c.draws);
         EXPECT_TRUE(again[0].rect == photo.rect && again[0].transform == m);
+        const size_t uploads = rig->log->Calls(Op::CreateBitmap).size();
+        rig->Frame(c.at); // the upload lasts the photo's whole turn
+        EXPECT_EQ(rig->log->Calls(Op::CreateBitmap).size(), uploads);
         if (c.kind == kReflections) continue;
         const SurfaceCall upload = rig->UploadOf(again[0]);
         EXPECT_EQ(upload.pixels[upload.pixels.size() / 2], kColours[c.photo]);
