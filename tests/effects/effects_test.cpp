@@ -117,6 +117,8 @@ TEST(SingleEffect, EachKindRunsItsTimelineWithCaptionsThroughAChangeAndALostTarg
         size_t draws = 1; // Reflections: strips while the picture turns
         size_t photo = 0;
     } cases[] = {
+        // Each kind ends on a change: one frame short of its cycle, the cycle's end (the second
+        // photo takes the stage at its time 0) and into the second photo's fade-in.
         // clang-format off
         {kFader, 0, 1299, -1}, {kFader, 0, 1300, Ease(0)}, {kFader, 0, 2800, Ease(0.5)},
         {kFader, 0, 4300, 1}, {kFader, 0, 5800 + kHold, 1 - EaseIn(0.5)},
