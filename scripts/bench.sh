@@ -3,8 +3,8 @@
 #   1. our own cost per frame of each presentation, on the host (Google Benchmark), drawing on a
 #      surface that does nothing;
 #   2. photo decoding: milliseconds per photo of LoadPhotoSized (WIC under Wine) to 1920x1080 and
-#      3840x2160, for a ~2 MP and an ~18 MP JPEG and real photos, next to native djpeg
-#      (libjpeg-turbo) decoding the same files in full, as a ratio;
+#      3840x2160, for real photos from 2 to 18 MP, next to native djpeg (libjpeg-turbo) decoding
+#      the same files in full, as a ratio;
 #   3. the real show under Wine on two virtual monitors of LUMIVANE_SCREEN (default 1920x1080):
 #      per presentation, the time from start to the first photo pixels, and the render loop's
 #      passes (fps, median and worst), with the passes that upload a photo apart.
@@ -30,8 +30,8 @@ cmake --build "$BENCH_BUILD-host" --target lumivane_effect_bench >/dev/null
 
 cmake -S . -B "$BENCH_BUILD" -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake \
   -DCMAKE_BUILD_TYPE=Release -DLUMIVANE_TESTS=ON >/dev/null
-cmake --build "$BENCH_BUILD" --target lumivane_photo_bench lumivane_show_bench >/dev/null
-BENCH="$BENCH_BUILD/tests/bench/lumivane_photo_bench.exe"
+cmake --build "$BENCH_BUILD" --target lumivane_wine_bench >/dev/null
+BENCH="$BENCH_BUILD/tests/bench/lumivane_wine_bench.exe"
 
 # shellcheck source=scripts/wine-env.sh
 source "$ROOT/scripts/wine-env.sh"
@@ -39,22 +39,12 @@ lumivane_wine_start >/dev/null
 
 winpath() { echo "Z:${1//\//\\}"; }
 
-photos="$BENCH_BUILD/photos"
-mkdir -p "$photos"
+# Real photos: Elephants at 2.1, 8.3 and 17.9 MP, and Wood at 4.9 MP.
 files=()
-for size in 1920x1080 5184x3456; do
-  file="$photos/made-$size.jpg"
-  if [ ! -s "$file" ]; then
-    lumivane_wine "$BENCH" --make "$(winpath "$file")" "${size%x*}" "${size#*x}"
-  fi
-  files+=("$file")
+for file in /usr/share/backgrounds/mate/abstract/Elephants{,_3840x2160,_5640x3172}.jpg \
+            /usr/share/backgrounds/mate/nature/Wood.jpg; do
+  [ -f "$file" ] && files+=("$file")
 done
-if [ -d /usr/share/backgrounds/mate ]; then
-  for file in /usr/share/backgrounds/mate/nature/Storage.jpg \
-              /usr/share/backgrounds/mate/abstract/*.jpg; do
-    [ -f "$file" ] && files+=("$file")
-  done
-fi
 
 # Mean milliseconds of a full djpeg decode of $1 over $RUNS runs (output thrown away).
 djpeg_ms() {
@@ -67,7 +57,7 @@ djpeg_ms() {
 
 winfiles=()
 for file in "${files[@]}"; do winfiles+=("$(winpath "$file")"); done
-results="$(lumivane_wine "$BENCH" "$RUNS" "${winfiles[@]}" | tr -d '\r')"
+results="$(lumivane_wine "$BENCH" decode "$RUNS" "${winfiles[@]}" | tr -d '\r')"
 
 echo
 echo "== photo decoding: ms per photo, mean of $RUNS runs; ratio = LoadPhotoSized / djpeg"
@@ -99,7 +89,6 @@ echo "   first pass and the passes that uploaded a photo."
 printf '%-12s %12s %11s %7s %6s %7s %7s %8s %8s %8s\n' show first-photo first-pass passes fps \
   median worst uploads median worst
 for show in fader slider kber reflections faller fourup; do
-  lumivane_wine "$BENCH_BUILD/tests/bench/lumivane_show_bench.exe" "$(winpath "$show_dir")" \
-    "$show" "$SHOW_SECONDS" </dev/null | tr -d '\r' |
+  lumivane_wine "$BENCH" show "$(winpath "$show_dir")" "$show" "$SHOW_SECONDS" </dev/null | tr -d '\r' |
     awk '{ printf "%-12s %12s %11s %7s %6s %7s %7s %8s %8s %8s\n", $1, $2, $3, $4, $5, $6, $7, $8, $9, $10 }'
 done

@@ -10,26 +10,61 @@
 #include "effects/effect.h"
 #include "photos/fake_image_files.h"
 #include "photos/photo_source.h"
-#include "bench/probe_surface.h"
 #include "support/scripted_queue.h"
 
 namespace {
+
+template <class T> using Own = std::unique_ptr<T>;
+
+// Every call returns at once, and everything it makes is an empty object.
+struct NullSurface final : DrawingSurface {
+    struct Empty final : SurfaceBitmap, SurfaceBrush, SurfaceLayer, TextFormat {
+        void SetColor(const ColorF&) override {}
+        void SetTextAlignment(TextAlignment) override {}
+        void SetParagraphAlignment(ParagraphAlignment) override {}
+        void SetWordWrapping(WordWrapping) override {}
+    };
+    static std::unique_ptr<Empty> None() { return std::make_unique<Empty>(); }
+
+    void BeginDraw() override {}
+    void Clear(const ColorF&) override {}
+    EndDrawResult EndDraw() override { return EndDrawResult::Ok; }
+    void SetTransform(const Matrix3x2F&) override {}
+    bool IsOccluded() override { return false; }
+    void UseGrayscaleTextAntialiasing() override {}
+    uint32_t MaximumBitmapSize() override { return 16384; }
+    Own<SurfaceBitmap> CreateBitmap(uint32_t, uint32_t, const uint32_t*) override { return None(); }
+    Own<SurfaceBrush> CreateSolidColorBrush(const ColorF&) override { return None(); }
+    Own<SurfaceBrush> CreateLinearGradientBrush(PointF, PointF, const GradientStop*,
+                                                uint32_t) override {
+        return None();
+    }
+    Own<SurfaceLayer> CreateLayer() override { return None(); }
+    Own<DrawingSurface> CreateCompatibleRenderTarget(SizeF, uint32_t, uint32_t) override {
+        return std::make_unique<NullSurface>();
+    }
+    Own<SurfaceBitmap> GetBitmap() override { return None(); }
+    Own<TextFormat> CreateTextFormat(const TextFormatParams&) override { return None(); }
+    void DrawBitmap(const SurfaceBitmap&, const RectF&, float, const RectF*) override {}
+    void FillRectangle(const RectF&, const SurfaceBrush&) override {}
+    void DrawString(std::wstring_view, const TextFormat&, const RectF&,
+                    const SurfaceBrush&) override {}
+    void PushLayer(SurfaceLayer&, float, const SurfaceBrush*) override {}
+    void PopLayer() override {}
+};
 
 // One benchmark iteration is one frame of one window; the reported time is per frame, and
 // "change_us" the mean of the frames on which a new photo takes the stage (the old one's pixels
 // are freed there).
 void Frames(benchmark::State& state, EffectKind kind) {
     FakeFiles() = {};
-    std::vector<std::wstring> photos;
-    for (const wchar_t* name : {L"Lake-a0000000.jpg", L"Hills-b0000000.jpg"}) {
-        photos.push_back(std::wstring(L"C:\\p\\") + name);
-        FakeFiles().files[photos.back()] = {4000, 3000, 0, 0xFF406080};
-    }
+    std::vector<std::wstring> photos{L"C:\\p\\Lake-a0000000.jpg", L"C:\\p\\Hills-b0000000.jpg"};
+    for (const auto& photo : photos) FakeFiles().files[photo] = {4000, 3000, 0, 0xFF406080};
     ScriptedQueueSystem system;
     WorkQueue queue{system};
     queue.Start(reinterpret_cast<WindowHandle>(1), 0x8001);
     PhotoSource source{&queue, &photos, 0, {true, true}};
-    ProbeSurface surface; // does nothing
+    NullSurface surface;
     const auto layer = surface.CreateLayer();
     const Canvas canvas{&surface, nullptr, 1920, 1080, 1.0f, layer.get()};
     const auto effect = MakeEffect(kind, EffectOptions{2, false}, source);
@@ -50,14 +85,18 @@ void Frames(benchmark::State& state, EffectKind kind) {
     state.counters["change_us"] = changes > 0 ? changeTime / changes * 1e6 : 0;
 }
 
-BENCHMARK_CAPTURE(Frames, fader, EffectKind::Fader)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(Frames, slider, EffectKind::Slider)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(Frames, kber, EffectKind::Panner)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(Frames, reflections, EffectKind::Reflections)
-    ->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(Frames, faller, EffectKind::Faller)->UseManualTime()->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(Frames, fourup, EffectKind::FourUp)->UseManualTime()->Unit(benchmark::kMicrosecond);
-
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+    for (const auto& [name, kind] : {std::pair{"fader", EffectKind::Fader},
+                                     {"slider", EffectKind::Slider},
+                                     {"kber", EffectKind::Panner},
+                                     {"reflections", EffectKind::Reflections},
+                                     {"faller", EffectKind::Faller},
+                                     {"fourup", EffectKind::FourUp}})
+        benchmark::RegisterBenchmark((std::string("Frames/") + name).c_str(), Frames, kind)
+            ->UseManualTime()
+            ->Unit(benchmark::kMicrosecond);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+}

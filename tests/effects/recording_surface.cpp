@@ -1,256 +1,163 @@
 #include "effects/recording_surface.h"
 
-#include <algorithm>
+#include <gtest/gtest.h>
+
 #include <utility>
 
 using Op = SurfaceCall::Op;
+template <class T> using Own = std::unique_ptr<T>;
 
 namespace {
 
-// A brush, layer, bitmap or text format; `device` is the window target whose device made it.
-template <class Base>
-struct Recorded : Base {
-    Recorded(std::shared_ptr<SurfaceLog> shared, int number, int owner, int maker,
-             int SurfaceLog::*counter)
-        : log(std::move(shared)), id(number), device(owner), target(maker), alive(counter) {
-        ++(*log.*alive);
+// Any object that a recording target makes, counted in `alive` while it lives.
+struct Recorded final : SurfaceBitmap, SurfaceBrush, SurfaceLayer, TextFormat {
+    Recorded(std::shared_ptr<SurfaceLog> shared, int number, int maker, int* count)
+        : log(std::move(shared)), id(number), target(maker), alive(count) {
+        ++*alive;
     }
-    ~Recorded() override { --(*log.*alive); }
+    ~Recorded() override { --*alive; }
     SurfaceCall& Record(Op op) {
-        log->calls.push_back({op, target, id});
-        return log->calls.back();
+        return log->calls.emplace_back(SurfaceCall{op, target, {}, {}, id});
     }
-    std::shared_ptr<SurfaceLog> log;
-    int id, device, target;
-    int SurfaceLog::*alive;
-};
-
-struct RecordedBrush final : Recorded<SurfaceBrush> {
-    using Recorded::Recorded;
     void SetColor(const ColorF& color) override { Record(Op::SetColor).color = color; }
+    void SetTextAlignment(TextAlignment v) override { Record(Op::SetTextAlignment).value = int(v); }
+    void SetParagraphAlignment(ParagraphAlignment) override {}
+    void SetWordWrapping(WordWrapping v) override { Record(Op::SetWordWrapping).value = int(v); }
+
+    std::shared_ptr<SurfaceLog> log;
+    int id, target;
+    int* alive;
 };
 
-// Text formats belong to the factory, not to a device, so they survive a lost target.
-struct RecordedFormat final : Recorded<TextFormat> {
-    using Recorded::Recorded;
-    void SetTextAlignment(TextAlignment v) override { Set(Op::SetTextAlignment, int32_t(v)); }
-    void SetParagraphAlignment(ParagraphAlignment v) override {
-        Set(Op::SetParagraphAlignment, int32_t(v));
-    }
-    void SetWordWrapping(WordWrapping v) override { Set(Op::SetWordWrapping, int32_t(v)); }
-    void Set(Op op, int32_t value) { Record(op).value = value; }
-};
+template <class Base> int IdOf(const Base* object) {
+    return object ? static_cast<const Recorded*>(object)->id : 0;
+}
 
 class RecordingSurface final : public DrawingSurface {
 public:
-    // A window target when `parentDevice` is 0, else an offscreen target of that device.
-    RecordingSurface(std::shared_ptr<SurfaceLog> shared, int parentDevice, uint32_t width = 0,
-                     uint32_t height = 0)
-        : log(std::move(shared)), id(log->nextId++), device(parentDevice ? parentDevice : id),
-          pixelWidth(width), pixelHeight(height) {
+    RecordingSurface(std::shared_ptr<SurfaceLog> shared, bool isWindow)
+        : log(std::move(shared)), id(log->nextId++), window(isWindow) {
         ++log->targetsAlive;
     }
     ~RecordingSurface() override { --log->targetsAlive; }
 
     void BeginDraw() override {
-        if (drawing) Misuse("BeginDraw twice");
         drawing = true;
         Record(Op::BeginDraw);
     }
-    void Clear(const ColorF& color) override {
-        CheckDrawing("Clear");
-        Record(Op::Clear).color = color;
-    }
+    void Clear(const ColorF& color) override { RecordDraw(Op::Clear).color = color; }
     EndDrawResult EndDraw() override {
-        CheckDrawing("EndDraw");
-        if (!pushed.empty()) Misuse("EndDraw with a layer pushed");
-        pushed.clear();
+        RecordDraw(Op::EndDraw);
+        Expect(opacities.empty(), "EndDraw with a layer pushed");
         opacities.clear();
         drawing = false;
-        EndDrawResult result = EndDrawResult::Ok;
-        if (!log->endDrawResults.empty()) {
-            result = log->endDrawResults.front();
-            log->endDrawResults.pop_front();
-        }
-        return Record(Op::EndDraw).result = result;
+        if (log->endDrawResults.empty()) return EndDrawResult::Ok;
+        const EndDrawResult result = log->endDrawResults.front();
+        log->endDrawResults.pop_front();
+        return result;
     }
     void SetTransform(const Matrix3x2F& transform) override {
-        current = transform;
-        Record(Op::SetTransform).transform = transform;
+        Record(Op::SetTransform).transform = current = transform;
     }
-    bool IsOccluded() override {
-        return Record(Op::IsOccluded).answer = device == id && log->occluded;
-    }
-    void UseGrayscaleTextAntialiasing() override { Record(Op::UseGrayscaleTextAntialiasing); }
-    uint32_t MaximumBitmapSize() override {
-        return Record(Op::MaximumBitmapSize).width = log->maximumBitmapSize;
-    }
+    bool IsOccluded() override { return window && log->occluded; }
+    void UseGrayscaleTextAntialiasing() override {}
+    uint32_t MaximumBitmapSize() override { return 16384; }
 
-    std::unique_ptr<SurfaceBitmap> CreateBitmap(uint32_t width, uint32_t height,
-                                                const uint32_t* pixels) override {
-        SurfaceCall& call = Record(Op::CreateBitmap);
-        call.width = width;
-        call.height = height;
-        if (pixels) call.pixels.assign(pixels, pixels + size_t{width} * height);
-        if (std::max(width, height) > log->maximumBitmapSize) return nullptr;
-        auto bitmap = Make<Recorded<SurfaceBitmap>>(call, &SurfaceLog::bitmapsAlive);
-        log->bitmapsCreated += bitmap != nullptr;
-        return bitmap;
+    Own<SurfaceBitmap> CreateBitmap(uint32_t width, uint32_t height,
+                                    const uint32_t* pixels) override {
+        SurfaceCall& call = Record(Op::CreateBitmap, {0, 0, float(width), float(height)});
+        call.pixels.assign(pixels, pixels + size_t{width} * height);
+        return Make(call, &log->bitmapsAlive);
     }
-    std::unique_ptr<SurfaceBrush> CreateSolidColorBrush(const ColorF& color) override {
-        SurfaceCall& call = Record(Op::CreateSolidColorBrush);
-        call.color = color;
-        return Make<RecordedBrush>(call, &SurfaceLog::brushesAlive);
+    Own<SurfaceBrush> CreateSolidColorBrush(const ColorF& color) override {
+        return Make(Record(Op::CreateSolidColorBrush, {}, color));
     }
-    std::unique_ptr<SurfaceBrush> CreateLinearGradientBrush(PointF start, PointF end,
-                                                            const GradientStop* stops,
-                                                            uint32_t count) override {
-        SurfaceCall& call = Record(Op::CreateLinearGradientBrush);
-        call.start = start;
-        call.end = end;
-        if (stops) call.stops.assign(stops, stops + count);
-        return Make<RecordedBrush>(call, &SurfaceLog::brushesAlive);
+    Own<SurfaceBrush> CreateLinearGradientBrush(PointF start, PointF end, const GradientStop* stops,
+                                                uint32_t count) override {
+        SurfaceCall& call = Record(Op::CreateLinearGradientBrush, {start.x, start.y, end.x, end.y});
+        call.stops.assign(stops, stops + count);
+        return Make(call);
     }
-    std::unique_ptr<SurfaceLayer> CreateLayer() override {
-        return Make<Recorded<SurfaceLayer>>(Record(Op::CreateLayer), &SurfaceLog::layersAlive);
+    Own<SurfaceLayer> CreateLayer() override {
+        return Make(Record(Op::CreateLayer), &log->layersAlive);
     }
-    std::unique_ptr<DrawingSurface> CreateCompatibleRenderTarget(SizeF size, uint32_t width,
-                                                                 uint32_t height) override {
-        SurfaceCall& call = Record(Op::CreateCompatibleRenderTarget);
-        call.size = size;
-        call.width = width;
-        call.height = height;
-        if (log->failing.count(call.op) || std::max(width, height) > log->maximumBitmapSize) {
-            return nullptr;
-        }
-        auto target = std::make_unique<RecordingSurface>(log, device, width, height);
-        call.object = target->id;
+    Own<DrawingSurface> CreateCompatibleRenderTarget(SizeF, uint32_t width,
+                                                     uint32_t height) override {
+        auto target = std::make_unique<RecordingSurface>(log, false);
+        Record(Op::CreateCompatibleRenderTarget, {0, 0, float(width), float(height)}).object =
+            target->id;
         return target;
     }
-    std::unique_ptr<SurfaceBitmap> GetBitmap() override {
-        SurfaceCall& call = Record(Op::GetBitmap);
-        if (device == id) return nullptr; // a window target has no picture to hand out
-        // The picture keeps the number of its target, however often it is asked for.
-        call.object = id;
-        call.width = pixelWidth;
-        call.height = pixelHeight;
-        return std::make_unique<Recorded<SurfaceBitmap>>(log, id, device, id,
-                                                         &SurfaceLog::bitmapsAlive);
+    Own<SurfaceBitmap> GetBitmap() override {
+        return std::make_unique<Recorded>(log, log->nextId++, id, &log->bitmapsAlive);
     }
-    std::unique_ptr<TextFormat> CreateTextFormat(const TextFormatParams& font) override {
+    Own<TextFormat> CreateTextFormat(const TextFormatParams& font) override {
         SurfaceCall& call = Record(Op::CreateTextFormat);
-        call.text = std::wstring(font.family);
+        call.text = font.family;
         call.font = font;
-        call.font.family = {};
-        return Make<RecordedFormat>(call, &SurfaceLog::formatsAlive);
+        return Make(call);
     }
 
     void DrawBitmap(const SurfaceBitmap& bitmap, const RectF& destination, float opacity,
                     const RectF* source) override {
-        CheckDrawing("DrawBitmap");
-        const int object = Check(bitmap, "DrawBitmap of a bitmap").id;
-        if (object == id) Misuse("DrawBitmap of its own picture");
-        SurfaceCall& call = RecordDraw(Op::DrawBitmap);
-        call.object = object;
-        call.rect = destination;
-        call.opacity = opacity;
+        SurfaceCall& call = RecordDraw(Op::DrawBitmap, destination, IdOf(&bitmap));
+        call.opacity *= opacity;
         if (source) call.source = *source;
     }
-    void FillRectangle(const RectF& rectangle, const SurfaceBrush& brush) override {
-        CheckDrawing("FillRectangle");
-        const int brushId = Check(brush, "FillRectangle with a brush").id;
-        SurfaceCall& call = RecordDraw(Op::FillRectangle);
-        call.rect = rectangle;
-        call.brush = brushId;
+    void FillRectangle(const RectF& rectangle, const SurfaceBrush&) override {
+        RecordDraw(Op::FillRectangle, rectangle);
     }
     void DrawString(std::wstring_view text, const TextFormat& format, const RectF& rectangle,
-                    const SurfaceBrush& brush) override {
-        CheckDrawing("DrawString");
-        const int brushId = Check(brush, "DrawString with a brush").id;
-        SurfaceCall& call = RecordDraw(Op::DrawString);
-        call.text = std::wstring(text);
-        call.object = IdOf(format);
-        call.rect = rectangle;
-        call.brush = brushId;
+                    const SurfaceBrush&) override {
+        RecordDraw(Op::DrawString, rectangle, IdOf(&format)).text = text;
     }
-    void PushLayer(SurfaceLayer& layer, float opacity, const SurfaceBrush* mask) override {
-        CheckDrawing("PushLayer");
-        const int layerId = Check(layer, "PushLayer of a layer").id;
-        if (std::count(pushed.begin(), pushed.end(), layerId)) Misuse("PushLayer twice");
-        pushed.push_back(layerId);
+    void PushLayer(SurfaceLayer&, float opacity, const SurfaceBrush* mask) override {
+        RecordDraw(Op::PushLayer, {}, IdOf(mask)).opacity = opacity;
         opacities.push_back(opacity);
-        const int maskId = mask ? Check(*mask, "PushLayer with a brush").id : 0;
-        SurfaceCall& call = Record(Op::PushLayer);
-        call.object = layerId;
-        call.opacity = opacity;
-        call.brush = maskId;
     }
     void PopLayer() override {
-        CheckDrawing("PopLayer");
-        if (pushed.empty()) Misuse("PopLayer with no layer pushed");
-        else {
-            pushed.pop_back();
-            opacities.pop_back();
-        }
-        Record(Op::PopLayer);
+        RecordDraw(Op::PopLayer);
+        Expect(!opacities.empty(), "PopLayer with no layer pushed");
+        if (!opacities.empty()) opacities.pop_back();
     }
 
 private:
-    SurfaceCall& Record(Op op) {
-        log->calls.push_back({op, id});
-        return log->calls.back();
+    SurfaceCall& Record(Op op, const RectF& rect = {}, const ColorF& color = {}) {
+        return log->calls.emplace_back(SurfaceCall{op, id, rect, color});
     }
-    // A draw, with the state that shapes it: the transform and the layers' opacity.
-    SurfaceCall& RecordDraw(Op op) {
-        SurfaceCall& call = Record(op);
+    // A call inside BeginDraw/EndDraw, with the state that shapes it.
+    SurfaceCall& RecordDraw(Op op, const RectF& rect = {}, int object = 0) {
+        Expect(drawing, "a call outside BeginDraw/EndDraw");
+        SurfaceCall& call = Record(op, rect);
+        call.object = object;
         call.transform = current;
-        for (float opacity : opacities) call.layerOpacity *= opacity;
+        for (float opacity : opacities) call.opacity *= opacity;
         return call;
     }
-    template <class Object>
-    std::unique_ptr<Object> Make(SurfaceCall& call, int SurfaceLog::*counter) {
+    Own<Recorded> Make(SurfaceCall& call, int* count = &uncounted) {
         if (log->failing.count(call.op)) return nullptr;
         call.object = log->nextId++;
-        return std::make_unique<Object>(log, call.object, device, id, counter);
+        return std::make_unique<Recorded>(log, call.object, id, count);
     }
-    // The recorded object behind `object`, which must belong to this target's device.
-    template <class Base>
-    const Recorded<Base>& Check(const Base& object, const char* what) {
-        const auto& recorded = static_cast<const Recorded<Base>&>(object);
-        if (recorded.device != device) Misuse(std::string(what) + " of another device");
-        return recorded;
-    }
-    void CheckDrawing(const char* what) {
-        if (!drawing) Misuse(std::string(what) + " outside BeginDraw/EndDraw");
-    }
-    void Misuse(const std::string& what) {
-        log->misuses.push_back("@" + std::to_string(id) + " " + what);
+    void Expect(bool ok, const char* what) {
+        if (ok) return;
+        log->misuses.push_back(what);
+        ADD_FAILURE() << "recording target " << id << ": " << what;
     }
 
+    static inline int uncounted = 0;
     const std::shared_ptr<SurfaceLog> log;
-    const int id;     // this target's number in the log
-    const int device; // the window target whose device this one shares: itself if a window
-    const uint32_t pixelWidth, pixelHeight; // of an offscreen target
+    const int id; // this target's number in the log
+    const bool window;
     bool drawing = false;
-    std::vector<int> pushed; // layers pushed and not yet popped, innermost last
-    std::vector<float> opacities; // of those layers
+    std::vector<float> opacities; // of the layers pushed and not yet popped, innermost last
     Matrix3x2F current;           // the transform in force
 };
 
-template <class Base>
-int IdOfRecorded(const Base& object) {
-    return static_cast<const Recorded<Base>&>(object).id;
-}
-
 } // namespace
 
-int IdOf(const SurfaceBitmap& bitmap) { return IdOfRecorded(bitmap); }
-int IdOf(const SurfaceBrush& brush) { return IdOfRecorded(brush); }
-int IdOf(const SurfaceLayer& layer) { return IdOfRecorded(layer); }
-int IdOf(const TextFormat& format) { return IdOfRecorded(format); }
-
-std::unique_ptr<DrawingSurface> MakeRecordingSurface(std::shared_ptr<SurfaceLog> log) {
-    return std::make_unique<RecordingSurface>(std::move(log), 0);
+Own<DrawingSurface> MakeRecordingSurface(std::shared_ptr<SurfaceLog> log) {
+    return std::make_unique<RecordingSurface>(std::move(log), true);
 }
 
 std::vector<SurfaceCall> SurfaceLog::Calls(Op op, int target) const {
@@ -260,9 +167,8 @@ std::vector<SurfaceCall> SurfaceLog::Calls(Op op, int target) const {
     return result;
 }
 
-std::vector<Op> SurfaceLog::Ops(int target) const {
+std::vector<Op> SurfaceLog::Ops() const {
     std::vector<Op> result;
-    for (const auto& call : calls)
-        if (target == 0 || call.target == target) result.push_back(call.op);
+    for (const auto& call : calls) result.push_back(call.op);
     return result;
 }
