@@ -3,7 +3,6 @@
 // composes layers at full strength (PushLayer is a stub), so the show's pixels are judged only once
 // a photo shows in its own colour, which under a real fade happens too.
 #include "e2e/driver.h"
-#include "win/image_test_files.h"
 
 namespace e2e {
 namespace {
@@ -17,11 +16,14 @@ std::wstring MakePhotos() {
     const std::wstring imports = FreshFolder(L"photos");
     const std::wstring tree = imports + L"\\Lumivane\\Lumivane ScreenSaver\\";
     std::filesystem::create_directories(tree);
-    using image_test::WriteImage;
-    EXPECT_TRUE(WriteImage(tree + L"Alpha-a0000000.jpg", GUID_ContainerFormatJpeg, 600, 600,
-                           [](int, int) { return kColours[0]; }) &&
-                WriteImage(tree + L"Beta-b0000000.jpg", GUID_ContainerFormatJpeg, 600, 600,
-                           [](int, int) { return kColours[1]; }));
+    for (const uint32_t colour : kColours) {
+        std::vector<BYTE> pixels; // 24-bit BGR, what the JPEG encoder takes
+        for (int i = 0; i < 600 * 600; ++i)
+            pixels.insert(pixels.end(), {BYTE(colour), BYTE(colour >> 8), BYTE(colour >> 16)});
+        const wchar_t* name = colour == kColours[0] ? L"Alpha-a0000000.jpg" : L"Beta-b0000000.jpg";
+        EXPECT_TRUE(WriteWicImage(tree + name, GUID_ContainerFormatJpeg,
+                                  GUID_WICPixelFormat24bppBGR, 600, 600, 1800, pixels.data()));
+    }
     SetOption(L"ImportsDir", imports);
     SetOption(L"SaverPause", L"0");
     return imports;
