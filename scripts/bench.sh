@@ -6,8 +6,8 @@
 #      3840x2160, for real photos from 2 to 18 MP, next to native djpeg (libjpeg-turbo) decoding
 #      the same files in full, as a ratio;
 #   3. the real show under Wine on two virtual monitors of LUMIVANE_SCREEN (default 1920x1080):
-#      per presentation, the time from start to the first photo pixels, and the render loop's
-#      passes (fps, median and worst), with the passes that upload a photo apart.
+#      per presentation, the render loop's first pass apart, and its other passes (fps, median
+#      and worst).
 #
 #   bash scripts/bench.sh            # 10 decoding runs per file and size, 30 s per presentation
 #   LUMIVANE_BENCH_RUNS=30 LUMIVANE_BENCH_SHOW_SECONDS=40 bash scripts/bench.sh
@@ -85,10 +85,9 @@ echo
 echo "== the show under Wine: two monitors of ${LUMIVANE_SCREEN%x*}, ${SHOW_SECONDS} s each, SaverPause 0"
 echo "   Direct2D renders in software here (Wine on Xvfb): these figures describe this machine's"
 echo "   CPU renderer, not a GPU. A pass draws both monitors. ms; median and worst leave out the"
-echo "   first pass and the passes that uploaded a photo."
-printf '%-12s %12s %11s %7s %6s %7s %7s %8s %8s %8s\n' show first-photo first-pass passes fps \
-  median worst uploads median worst
+echo "   first pass."
+printf '%-12s %11s %7s %6s %7s %7s\n' show first-pass passes fps median worst
 for show in fader slider kber reflections faller fourup; do
   lumivane_wine "$BENCH" show "$(winpath "$show_dir")" "$show" "$SHOW_SECONDS" </dev/null | tr -d '\r' |
-    awk '{ printf "%-12s %12s %11s %7s %6s %7s %7s %8s %8s %8s\n", $1, $2, $3, $4, $5, $6, $7, $8, $9, $10 }'
+    awk '{ printf "%-12s %11s %7s %6s %7s %7s\n", $1, $2, $3, $4, $5, $6 }'
 done

@@ -60,6 +60,10 @@ struct SurfaceCall {
 struct SurfaceLog {
     std::vector<SurfaceCall> calls;
     std::vector<std::string> misuses; // also reported to the running test as failures
+    // False: calls are checked but not kept, all written over one scratch call, so that the
+    // benchmark times the code that draws.
+    bool keep = true;
+    SurfaceCall scratch;
 
     // Knobs. Every CreateBitmap, CreateLayer, brush and format whose op is in `failing` is null.
     std::set<SurfaceCall::Op> failing;
@@ -72,6 +76,8 @@ struct SurfaceLog {
     // The calls of one op, of every target or only of `target`; all ops in order.
     std::vector<SurfaceCall> Calls(SurfaceCall::Op op, int target = 0) const;
     std::vector<SurfaceCall::Op> Ops() const;
+    // A new call, kept or written over `scratch`.
+    SurfaceCall& Add(SurfaceCall::Op op, int target, const RectF& rect = {}, int object = 0);
 };
 
 // A window target recording into `log`. Offscreen targets made from it record there too.
