@@ -1,11 +1,9 @@
 #!/usr/bin/env bash
 # Benchmarks; not tests: they assert nothing. In order:
-#   1. our own cost per frame of each presentation, on the host (Google Benchmark), drawing on a
-#      surface that does nothing;
-#   2. photo decoding: milliseconds per photo of LoadPhotoSized (WIC under Wine) to 1920x1080 and
+#   1. photo decoding: milliseconds per photo of LoadPhotoSized (WIC under Wine) to 1920x1080 and
 #      3840x2160, for real photos from 2 to 18 MP, next to native djpeg (libjpeg-turbo) decoding
 #      the same files in full, as a ratio;
-#   3. the real show under Wine on two virtual monitors of LUMIVANE_SCREEN (default 1920x1080):
+#   2. the real show under Wine on two virtual monitors of LUMIVANE_SCREEN (default 1920x1080):
 #      per presentation, the render loop's first pass apart, and its other passes (fps, median
 #      and worst).
 #
@@ -22,11 +20,6 @@ export LUMIVANE_BUILD_DIR="${LUMIVANE_BUILD_DIR:-$ROOT/build}"
 export LUMIVANE_SCREEN="${LUMIVANE_SCREEN:-1920x1080x24}"
 
 bash scripts/install-deps.sh libjpeg-turbo-progs mate-backgrounds </dev/null
-
-echo "== our own cost per frame (host, Release, a drawing surface that does nothing)"
-cmake -S . -B "$BENCH_BUILD-host" -G Ninja -DCMAKE_BUILD_TYPE=Release -DLUMIVANE_TESTS=ON >/dev/null
-cmake --build "$BENCH_BUILD-host" --target lumivane_effect_bench >/dev/null
-"$BENCH_BUILD-host/tests/bench/lumivane_effect_bench" 2>&1 | grep -v 'built as DEBUG'
 
 cmake -S . -B "$BENCH_BUILD" -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/mingw-w64-x86_64.cmake \
   -DCMAKE_BUILD_TYPE=Release -DLUMIVANE_TESTS=ON >/dev/null

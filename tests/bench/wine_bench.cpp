@@ -10,9 +10,8 @@
 //       and worst leave out the first pass.
 #include <windows.h>
 
-#include <objbase.h>
-
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -25,10 +24,8 @@
 namespace {
 
 double NowMs() {
-    LARGE_INTEGER now, frequency;
-    QueryPerformanceCounter(&now);
-    QueryPerformanceFrequency(&frequency);
-    return 1000.0 * static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
+    using namespace std::chrono;
+    return duration<double, std::milli>(steady_clock::now().time_since_epoch()).count();
 }
 
 // The real window thread; a pass runs from the empty message queue to the next look at it.
