@@ -17,7 +17,7 @@ struct Recorded final : SurfaceBitmap, SurfaceBrush, SurfaceLayer, TextFormat {
     }
     ~Recorded() override { --*alive; }
     SurfaceCall& Record(Op op) {
-        return log->Add(op, target, {}, id);
+        return log->calls.emplace_back(SurfaceCall{op, target, {}, {}, id});
     }
     void SetColor(const ColorF& color) override { Record(Op::SetColor).color = color; }
     void SetTextAlignment(TextAlignment v) override { Record(Op::SetTextAlignment).value = int(v); }
@@ -66,13 +66,11 @@ public:
     Own<SurfaceBitmap> CreateBitmap(uint32_t width, uint32_t height,
                                     const uint32_t* pixels) override {
         SurfaceCall& call = Record(Op::CreateBitmap, {0, 0, float(width), float(height)});
-        if (log->keep) call.pixels.assign(pixels, pixels + size_t{width} * height);
+        call.pixels.assign(pixels, pixels + size_t{width} * height);
         return Make(call, &log->bitmapsAlive);
     }
     Own<SurfaceBrush> CreateSolidColorBrush(const ColorF& color) override {
-        SurfaceCall& call = Record(Op::CreateSolidColorBrush);
-        call.color = color;
-        return Make(call);
+        return Make(Record(Op::CreateSolidColorBrush, {}, color));
     }
     Own<SurfaceBrush> CreateLinearGradientBrush(PointF start, PointF end, const GradientStop* stops,
                                                 uint32_t count) override {
@@ -95,16 +93,13 @@ public:
     }
     Own<TextFormat> CreateTextFormat(const TextFormatParams& font) override {
         SurfaceCall& call = Record(Op::CreateTextFormat);
-        call.text = font.family;
         call.font = font;
         return Make(call);
     }
 
     void DrawBitmap(const SurfaceBitmap& bitmap, const RectF& destination, float opacity,
-                    const RectF* source) override {
-        SurfaceCall& call = RecordDraw(Op::DrawBitmap, destination, IdOf(&bitmap));
-        call.opacity *= opacity;
-        if (source) call.source = *source;
+                    const RectF*) override {
+        RecordDraw(Op::DrawBitmap, destination, IdOf(&bitmap)).opacity *= opacity;
     }
     void FillRectangle(const RectF& rectangle, const SurfaceBrush&) override {
         RecordDraw(Op::FillRectangle, rectangle);
@@ -124,11 +119,14 @@ public:
     }
 
 private:
-    SurfaceCall& Record(Op op, const RectF& rect = {}) { return log->Add(op, id, rect); }
+    SurfaceCall& Record(Op op, const RectF& rect = {}, const ColorF& color = {}) {
+        return log->calls.emplace_back(SurfaceCall{op, id, rect, color});
+    }
     // A call inside BeginDraw/EndDraw, with the state that shapes it.
     SurfaceCall& RecordDraw(Op op, const RectF& rect = {}, int object = 0) {
         Expect(drawing, "a call outside BeginDraw/EndDraw");
-        SurfaceCall& call = log->Add(op, id, rect, object);
+        SurfaceCall& call = Record(op, rect);
+        call.object = object;
         call.transform = current;
         for (float opacity : opacities) call.opacity *= opacity;
         return call;
@@ -170,11 +168,4 @@ std::vector<Op> SurfaceLog::Ops() const {
     std::vector<Op> result;
     for (const auto& call : calls) result.push_back(call.op);
     return result;
-}
-
-SurfaceCall& SurfaceLog::Add(Op op, int target, const RectF& rect, int object) {
-    if (keep) return calls.emplace_back(SurfaceCall{op, target, rect, {}, object});
-    scratch.op = op; // what `failing` looks at
-    scratch.opacity = 1;
-    return scratch;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <deque>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -49,10 +48,9 @@ struct SurfaceCall {
     int object = 0;
     float opacity = 1;               // PushLayer's; of a draw its own times the layers' pushed
     Matrix3x2F transform;            // SetTransform's; of a draw the one in force
-    std::optional<RectF> source;     // DrawBitmap's, none for the whole bitmap
     std::vector<GradientStop> stops; // CreateLinearGradientBrush
     std::vector<uint32_t> pixels;    // CreateBitmap's copy
-    std::wstring text;               // DrawString's text, CreateTextFormat's family
+    std::wstring text;               // DrawString's
     TextFormatParams font;           // CreateTextFormat's
     int32_t value = 0;               // the enumerator of SetTextAlignment, SetWordWrapping
 };
@@ -60,10 +58,6 @@ struct SurfaceCall {
 struct SurfaceLog {
     std::vector<SurfaceCall> calls;
     std::vector<std::string> misuses; // also reported to the running test as failures
-    // False: calls are checked but not kept, all written over one scratch call, so that the
-    // benchmark times the code that draws.
-    bool keep = true;
-    SurfaceCall scratch;
 
     // Knobs. Every CreateBitmap, CreateLayer, brush and format whose op is in `failing` is null.
     std::set<SurfaceCall::Op> failing;
@@ -76,8 +70,6 @@ struct SurfaceLog {
     // The calls of one op, of every target or only of `target`; all ops in order.
     std::vector<SurfaceCall> Calls(SurfaceCall::Op op, int target = 0) const;
     std::vector<SurfaceCall::Op> Ops() const;
-    // A new call, kept or written over `scratch`.
-    SurfaceCall& Add(SurfaceCall::Op op, int target, const RectF& rect = {}, int object = 0);
 };
 
 // A window target recording into `log`. Offscreen targets made from it record there too.
