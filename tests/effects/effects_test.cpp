@@ -154,7 +154,7 @@ TEST(SingleEffect, EachKindRunsItsTimelineWithCaptionsThroughAChangeAndALostTarg
         if (photos.empty()) continue;
         const SurfaceCall& photo = photos[0];
         EXPECT_NEAR(photo.opacity, c.opacity, 1e-6);
-        EXPECT_EQ(frame.Calls(Op::PushLayer).empty(), photo.opacity >= 1); // full: no layer
+        EXPECT_EQ(frame.Calls(Op::PushLayer).empty(), c.opacity >= 1); // full: no layer
         EXPECT_TRUE(Near(photo.transform, c.transform));
         rig->LoseTarget(); // the same picture comes back from kept pixels
         const auto again = rig->Draws(c.at);
