@@ -6,17 +6,12 @@
 //   lumivane_wine_bench.exe show <photo directory> <SaverShow> <seconds>
 //       sets ImportsDir, SaverShow and SaverPause "0" and runs a full-screen session of the saver
 //       in this process for <seconds>, behind a window thread that times every pass of the render
-//       loop and window targets that count photo uploads and bitmaps drawn. Prints
-//       <show> <first photo ms> <first pass ms> <passes> <fps> <median ms> <worst ms>
-//              <upload passes> <their median ms> <their worst ms>
-//       where the first photo is the end of the first pass that drew a bitmap, counted from the
-//       creation of this process, and median and worst leave out the first pass and the passes
-//       that uploaded a photo.
+//       loop. Prints <show> <first pass ms> <passes> <fps> <median ms> <worst ms>, where median
+//       and worst leave out the first pass.
 #include <windows.h>
 
-#include <objbase.h>
-
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -28,72 +23,9 @@
 
 namespace {
 
-template <class T> using Own = std::unique_ptr<T>;
-
 double NowMs() {
-    LARGE_INTEGER now, frequency;
-    QueryPerformanceCounter(&now);
-    QueryPerformanceFrequency(&frequency);
-    return 1000.0 * static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
-}
-
-// A window target that forwards every call to the real one and counts uploads and bitmaps drawn.
-struct ProbeSurface final : DrawingSurface {
-    explicit ProbeSurface(Own<DrawingSurface> real) : in(std::move(real)) {}
-    void BeginDraw() override { in->BeginDraw(); }
-    void Clear(const ColorF& c) override { in->Clear(c); }
-    EndDrawResult EndDraw() override { return in->EndDraw(); }
-    void SetTransform(const Matrix3x2F& m) override { in->SetTransform(m); }
-    bool IsOccluded() override { return in->IsOccluded(); }
-    void UseGrayscaleTextAntialiasing() override { in->UseGrayscaleTextAntialiasing(); }
-    uint32_t MaximumBitmapSize() override { return in->MaximumBitmapSize(); }
-    Own<SurfaceBitmap> CreateBitmap(uint32_t w, uint32_t h, const uint32_t* p) override {
-        ++uploads;
-        return in->CreateBitmap(w, h, p);
-    }
-    Own<SurfaceBrush> CreateSolidColorBrush(const ColorF& c) override {
-        return in->CreateSolidColorBrush(c);
-    }
-    Own<SurfaceBrush> CreateLinearGradientBrush(PointF a, PointF b, const GradientStop* g,
-                                                uint32_t n) override {
-        return in->CreateLinearGradientBrush(a, b, g, n);
-    }
-    Own<SurfaceLayer> CreateLayer() override { return in->CreateLayer(); }
-    // Offscreen targets aren't wrapped: what goes into them isn't counted.
-    Own<DrawingSurface> CreateCompatibleRenderTarget(SizeF z, uint32_t w, uint32_t h) override {
-        return in->CreateCompatibleRenderTarget(z, w, h);
-    }
-    Own<SurfaceBitmap> GetBitmap() override { return in->GetBitmap(); }
-    Own<TextFormat> CreateTextFormat(const TextFormatParams& f) override {
-        return in->CreateTextFormat(f);
-    }
-    void DrawBitmap(const SurfaceBitmap& b, const RectF& d, float o, const RectF* r) override {
-        ++bitmapsDrawn;
-        in->DrawBitmap(b, d, o, r);
-    }
-    void FillRectangle(const RectF& r, const SurfaceBrush& b) override { in->FillRectangle(r, b); }
-    void DrawString(std::wstring_view t, const TextFormat& f, const RectF& r,
-                    const SurfaceBrush& b) override {
-        in->DrawString(t, f, r, b);
-    }
-    void PushLayer(SurfaceLayer& l, float o, const SurfaceBrush* b) override {
-        in->PushLayer(l, o, b);
-    }
-    void PopLayer() override { in->PopLayer(); }
-
-    Own<DrawingSurface> in;
-    int uploads = 0, bitmapsDrawn = 0; // since the start of the pass
-};
-
-// Milliseconds since the creation of this process.
-double ProcessAgeMs() {
-    FILETIME created, exited, kernel, user, now;
-    GetProcessTimes(GetCurrentProcess(), &created, &exited, &kernel, &user);
-    GetSystemTimeAsFileTime(&now);
-    const auto ms = [](FILETIME t) {
-        return (static_cast<double>(t.dwHighDateTime) * 4294967296.0 + t.dwLowDateTime) / 10000.0;
-    };
-    return ms(now) - ms(created);
+    using namespace std::chrono;
+    return duration<double, std::milli>(steady_clock::now().time_since_epoch()).count();
 }
 
 // The real window thread; a pass runs from the empty message queue to the next look at it.
@@ -111,40 +43,17 @@ struct TimedThread final : Win32WindowThread {
         EndPass();
         Win32WindowThread::WaitForInput(ms);
     }
-    Own<DrawingSurface> CreateWindowTarget(const DrawingFactories* f, WindowHandle w, int32_t width,
-                                           int32_t height, bool primary) override {
-        auto real = Win32WindowThread::CreateWindowTarget(f, w, width, height, primary);
-        if (!real) return nullptr;
-        auto target = std::make_unique<ProbeSurface>(std::move(real));
-        targets.push_back(target.get()); // a lost target stays listed: fine for a short run
-        return target;
-    }
     void EndPass() {
         if (passStart < 0) return;
-        bool uploaded = false, drawn = false;
-        for (ProbeSurface* target : targets) {
-            uploaded = uploaded || target->uploads > 0;
-            drawn = drawn || target->bitmapsDrawn > 0;
-            target->uploads = target->bitmapsDrawn = 0;
-        }
-        passes.push_back({NowMs() - passStart, uploaded});
-        if (drawn && firstPhoto < 0) firstPhoto = ProcessAgeMs();
+        passes.push_back(NowMs() - passStart);
         if (firstStart < 0) firstStart = passStart;
         lastEnd = NowMs();
         passStart = -1;
     }
 
-    std::vector<ProbeSurface*> targets;
-    std::vector<std::pair<double, bool>> passes; // milliseconds, and whether a photo was uploaded
-    double deadline, passStart = -1, firstStart = -1, lastEnd = 0, firstPhoto = -1;
+    std::vector<double> passes; // milliseconds
+    double deadline, passStart = -1, firstStart = -1, lastEnd = 0;
 };
-
-// The median and the largest of `ms`; zeros when empty.
-std::pair<double, double> MedianAndWorst(std::vector<double> ms) {
-    if (ms.empty()) return {0, 0};
-    std::sort(ms.begin(), ms.end());
-    return {ms[ms.size() / 2], ms.back()};
-}
 
 // The mean time of `runs` decodes of `path` to `width` x `height`; negative if one failed.
 double DecodeMs(const wchar_t* path, int runs, int width, int height) {
@@ -168,16 +77,12 @@ int Show(ComApartment& apartment, const wchar_t* directory, const wchar_t* show,
         apartment.Leave(); // before the session goes, as the saver does
     }
     // The first pass also sets up the device behind the targets: it is shown apart.
-    std::vector<double> plain, upload;
-    for (size_t i = 1; i < thread.passes.size(); ++i)
-        (thread.passes[i].second ? upload : plain).push_back(thread.passes[i].first);
-    const auto [median, worst] = MedianAndWorst(plain);
-    const auto [uploadMedian, uploadWorst] = MedianAndWorst(upload);
-    const size_t count = thread.passes.size();
-    std::wprintf(L"%ls %.0f %.0f %zu %.2f %.0f %.0f %zu %.0f %.0f\n", show, thread.firstPhoto,
-                 count ? thread.passes[0].first : 0, count,
-                 count * 1000.0 / std::max(thread.lastEnd - thread.firstStart, 1.0), median, worst,
-                 upload.size(), uploadMedian, uploadWorst);
+    std::vector<double>& ms = thread.passes;
+    const size_t count = ms.size();
+    if (count > 1) std::sort(ms.begin() + 1, ms.end());
+    std::wprintf(L"%ls %.0f %zu %.2f %.0f %.0f\n", show, count ? ms[0] : 0, count,
+                 count * 1000.0 / std::max(thread.lastEnd - thread.firstStart, 1.0),
+                 count > 1 ? ms[1 + (count - 1) / 2] : 0, count > 1 ? ms.back() : 0);
     return 0;
 }
 

@@ -93,16 +93,13 @@ public:
     }
     Own<TextFormat> CreateTextFormat(const TextFormatParams& font) override {
         SurfaceCall& call = Record(Op::CreateTextFormat);
-        call.text = font.family;
         call.font = font;
         return Make(call);
     }
 
     void DrawBitmap(const SurfaceBitmap& bitmap, const RectF& destination, float opacity,
-                    const RectF* source) override {
-        SurfaceCall& call = RecordDraw(Op::DrawBitmap, destination, IdOf(&bitmap));
-        call.opacity *= opacity;
-        if (source) call.source = *source;
+                    const RectF*) override {
+        RecordDraw(Op::DrawBitmap, destination, IdOf(&bitmap)).opacity *= opacity;
     }
     void FillRectangle(const RectF& rectangle, const SurfaceBrush&) override {
         RecordDraw(Op::FillRectangle, rectangle);

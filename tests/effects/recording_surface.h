@@ -1,7 +1,6 @@
 #pragma once
 
 #include <deque>
-#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -49,10 +48,9 @@ struct SurfaceCall {
     int object = 0;
     float opacity = 1;               // PushLayer's; of a draw its own times the layers' pushed
     Matrix3x2F transform;            // SetTransform's; of a draw the one in force
-    std::optional<RectF> source;     // DrawBitmap's, none for the whole bitmap
     std::vector<GradientStop> stops; // CreateLinearGradientBrush
     std::vector<uint32_t> pixels;    // CreateBitmap's copy
-    std::wstring text;               // DrawString's text, CreateTextFormat's family
+    std::wstring text;               // DrawString's
     TextFormatParams font;           // CreateTextFormat's
     int32_t value = 0;               // the enumerator of SetTextAlignment, SetWordWrapping
 };
