@@ -2,7 +2,6 @@
 // WorkQueue::DefaultSystem (photos/std_work_queue_system.cpp). Each hands the call to an
 // in-memory stand-in that the tests set up and read back.
 #include <cwctype>
-#include <vector>
 
 #include "diagnostics/log.h"
 #include "library/file_tree.h"
@@ -19,7 +18,6 @@ namespace {
 
 uint32_t nextRandom = 0;
 uint32_t randomsDrawn = 0;
-std::vector<uint32_t> scriptedRandoms; // given first, from the back
 
 const FakeImage* Open(const std::wstring& path) {
     FakeImageFiles& fake = FakeFiles();
@@ -30,16 +28,10 @@ const FakeImage* Open(const std::wstring& path) {
 
 } // namespace
 
-// The scripted numbers, then consecutive numbers from the one the test set, counted.
+// Consecutive numbers from the one the test set, counted.
 uint32_t RandomU32() {
     ++randomsDrawn;
-    if (scriptedRandoms.empty()) return nextRandom++;
-    const uint32_t value = scriptedRandoms.back();
-    scriptedRandoms.pop_back();
-    return value;
-}
-void ScriptRandoms(std::vector<uint32_t> values) {
-    scriptedRandoms.assign(values.rbegin(), values.rend());
+    return nextRandom++;
 }
 void SetNextRandom(uint32_t value) { nextRandom = value; }
 uint32_t RandomDrawCount() { return randomsDrawn; }
