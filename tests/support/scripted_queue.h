@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -39,17 +38,12 @@ public:
 };
 
 // Runs up to `count` waiting jobs in the order posted, then every completion, as the window
-// thread's message phase would. Gives the number of jobs run.
+// thread's message phase would. Gives the number of jobs run. No other thread touches the queue.
 inline size_t RunJobs(WorkQueue& queue, size_t count = SIZE_MAX) {
     size_t ran = 0;
-    for (; ran < count; ++ran) {
-        WorkQueue::Item job;
-        {
-            std::lock_guard<std::mutex> guard(queue.shared->lock);
-            if (queue.shared->jobs.empty()) break;
-            job = std::move(queue.shared->jobs.front());
-            queue.shared->jobs.pop_front();
-        }
+    for (auto& jobs = queue.shared->jobs; ran < count && !jobs.empty(); ++ran) {
+        const WorkQueue::Item job = std::move(jobs.front());
+        jobs.pop_front();
         job();
     }
     queue.Drain();
