@@ -127,35 +127,27 @@ TEST(PhotoSource, TriesTenPlacesFromItsCursorAndDeliversTheFirstGoodOneInItsShap
     // 400 x 300 files, file i in the colour 0xFF100000 + i and all damaged but `good`, asked for
     // at 160 x 90 with the flag of their kind `titled`: the places tried, the width delivered
     // (0: none) and whether its top left pixel is a bar.
-    const struct {
-        int count, good;
-        uint64_t cursor;
-        S shape;
-        bool titled;
-        std::vector<int> tried;
-        int32_t width;
-        bool bar;
-    } cases[] = {{25, -1, 24, S::Letterbox, true, {24, 0, 1, 2, 3, 4, 5, 6, 7, 8}, 0, false},
-                 {3, -1, 1, S::Exact, true, {1, 2, 0}, 0, false},
-                 {0, -1, 3, S::Cover, true, {}, 0, false},
-                 {25, 9, 0, S::Letterbox, true, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 160, true},
-                 {10, 5, 5, S::Cover, false, {5}, 160, false},
-                 {10, 6, 6, S::Exact, true, {6, 6}, 120, false}}; // Exact reads the size first
-    for (const auto& c : cases) {
+    const std::tuple<int, int, uint64_t, S, bool, std::vector<int>, int32_t, bool> cases[] = {
+        {25, -1, 24, S::Letterbox, true, {24, 0, 1, 2, 3, 4, 5, 6, 7, 8}, 0, false},
+        {3, -1, 1, S::Exact, true, {1, 2, 0}, 0, false}, {0, -1, 3, S::Cover, true, {}, 0, false},
+        {25, 9, 0, S::Letterbox, true, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 160, true},
+        {10, 5, 5, S::Cover, false, {5}, 160, false},
+        {10, 6, 6, S::Exact, true, {6, 6}, 120, false}}; // Exact reads the size first
+    for (const auto& [count, good, cursor, shape, titled, places, width, bar] : cases) {
         FakeFiles() = {};
         std::vector<std::wstring> photos, tried;
-        for (int i = 0; i < c.count; ++i) {
+        for (int i = 0; i < count; ++i) {
             photos.push_back(PathAt(i));
-            FakeFiles().files[PathAt(i)] = {400, 300, 0, 0xFF100000u + i, i != c.good};
+            FakeFiles().files[PathAt(i)] = {400, 300, 0, 0xFF100000u + i, i != good};
         }
-        for (const int i : c.tried) tried.push_back(PathAt(i));
+        for (const int i : places) tried.push_back(PathAt(i));
         ScriptedQueueSystem system;
         WorkQueue queue(system);
         queue.Start(kWindow, kMessage);
-        PhotoSource source{&queue, &photos, c.cursor, {c.titled, !c.titled}};
+        PhotoSource source{&queue, &photos, cursor, {titled, !titled}};
         PhotoSource::Photo photo;
         int calls = 0;
-        source.Next(160, 90, c.shape, [&](PhotoSource::Photo& delivered) {
+        source.Next(160, 90, shape, [&](PhotoSource::Photo& delivered) {
             photo = std::move(delivered);
             ++calls;
         });
@@ -164,10 +156,10 @@ TEST(PhotoSource, TriesTenPlacesFromItsCursorAndDeliversTheFirstGoodOneInItsShap
         queue.Drain();
         EXPECT_EQ(calls, 1);
         EXPECT_EQ(FakeFiles().opened, tried);
-        EXPECT_EQ(source.cursor, c.cursor + 1);
-        EXPECT_TRUE(photo.width == c.width && photo.height == (c.width ? 90 : 0));
-        if (c.width) EXPECT_EQ(photo.pixels.at(0), c.bar ? 0xFF000000 : 0xFF100000u + c.good);
-        EXPECT_EQ(photo.title, c.titled && c.width ? L"Photo " + std::to_wstring(c.good) : L"");
+        EXPECT_EQ(source.cursor, cursor + 1);
+        EXPECT_TRUE(photo.width == width && photo.height == (width ? 90 : 0));
+        if (width) EXPECT_EQ(photo.pixels.at(0), bar ? 0xFF000000 : 0xFF100000u + good);
+        EXPECT_EQ(photo.title, titled && width ? L"Photo " + std::to_wstring(good) : L"");
     }
 }
 

@@ -7,7 +7,6 @@
 
 #include "effects/recording_surface.h"
 #include "session/crossfade.h"
-#include "session/saver_session.h"
 #include "session/window_messages.h"
 #include "support/fake_window_thread.h"
 
@@ -124,11 +123,9 @@ TEST(RenderLoop, ALostTargetIsRemadeWhileCoveredAndTargetlessWindowsWait) {
 
 TEST(SessionDirect2D, EachWindowGetsItsTargetScaleAndPhotosOrAllGoToTheCrossfade) {
     for (const bool secondFails : {false, true}) {
-        SCOPED_TRACE(secondFails);
         Loop loop(2);
         loop.session.mode = SaverMode::Preview;
         loop.thread.dpi = 192;
-        for (auto& window : loop.session.windows) window->effect.reset();
         if (secondFails) loop.logs[1]->failing = {Op::CreateLayer};
         loop.session.title = false;
         EXPECT_EQ(loop.session.StartDirect2D({}), !secondFails);
