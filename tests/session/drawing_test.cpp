@@ -14,19 +14,24 @@ namespace {
 
 using Op = SurfaceCall::Op;
 
-// An effect that hands its draws and releases to the test.
-struct ProbeEffect final : Effect {
-    std::function<void(const Canvas&, double)> draw;
-    std::function<void()> release;
-    void Draw(const Canvas& canvas, double elapsed) override { draw(canvas, elapsed); }
-    void ReleaseTargetResources() override { release(); }
-};
-
 // A session of 10 photos and `count` windows opened as the session opens them: window i is
 // 640 + 160 i by 480 pixels at the scale 1 + i / 4, has the handle i + 1, and its targets record
-// into logs[i]. Each draw is recorded, takes `work` milliseconds of the scripted clock and leaves
-// a rotation on the target.
+// into logs[i].
 struct Loop {
+    // An effect that hands its draws and releases to the test. Each draw takes `work`
+    // milliseconds of the scripted clock and leaves a rotation on the target.
+    struct Probe final : Effect {
+        Probe(Loop* loop, int i) : loop(loop), i(i) {}
+        void Draw(const Canvas& canvas, double elapsed) override {
+            loop->draws.emplace_back(i, elapsed, canvas);
+            canvas.target->SetTransform(Matrix3x2F{0, 1, -1, 0, 5, 5});
+            loop->thread.Advance(loop->work);
+        }
+        void ReleaseTargetResources() override { loop->releases.push_back(i); }
+        Loop* loop;
+        int i;
+    };
+
     FakeWindowThread thread;
     SaverSession session{SaverMode::Fullscreen, &thread};
     std::vector<std::shared_ptr<SurfaceLog>> logs;
@@ -46,14 +51,7 @@ struct Loop {
             logs.push_back(std::make_shared<SurfaceLog>());
             window.hwnd = reinterpret_cast<WindowHandle>(static_cast<uintptr_t>(i + 1));
             window.scale = 1.0f + 0.25f * static_cast<float>(i);
-            auto effect = std::make_unique<ProbeEffect>();
-            effect->draw = [this, i](const Canvas& canvas, double elapsed) {
-                draws.emplace_back(i, elapsed, canvas);
-                canvas.target->SetTransform(Matrix3x2F{0, 1, -1, 0, 5, 5});
-                thread.Advance(work);
-            };
-            effect->release = [this, i] { releases.push_back(i); };
-            window.effect = std::move(effect);
+            window.effect = std::make_unique<Probe>(this, i);
             return true;
         });
     }

@@ -120,13 +120,13 @@ TEST(WindowMessages, ActByMode) {
     namespace M = WindowMessage;
     // The message, its wParam, the actions in full screen and in a preview.
     const std::tuple<uint32_t, uint64_t, MessageAction, MessageAction> cases[] = {
-        {M::MouseMove, 0, A::MouseRule, A::Swallow}, {M::KeyDown, 0x41, A::Dismiss, A::Swallow},
+        {M::MouseMove, 0, A::MouseRule, A::Swallow}, {M::Destroy, 0, A::Swallow, A::PostQuit},
         {M::ActivateApp, 0, A::DismissThenDefault, A::Default},
         {M::ActivateApp, 1, A::Default, A::Default},
         // The low four bits of a system command don't matter; SC_CLOSE is no screen saver.
         {M::SysCommand, 0xF14F, A::Swallow, A::Default},
-        {M::SysCommand, 0xF060, A::Default, A::Default}, {M::Destroy, 0, A::Swallow, A::PostQuit},
-        {M::Timer, 2, A::FadeStep, A::FadeStep}, {M::Timer, 1, A::Swallow, A::Swallow}};
+        {M::SysCommand, 0xF060, A::Default, A::Default}, {M::Timer, 2, A::FadeStep, A::FadeStep},
+        {M::Timer, 1, A::Swallow, A::Swallow}};
     for (const auto& [message, wParam, fullscreen, preview] : cases) {
         SCOPED_TRACE(testing::Message() << std::hex << message << " " << wParam);
         EXPECT_EQ(DecideMessage(SaverMode::Fullscreen, message, wParam), fullscreen);

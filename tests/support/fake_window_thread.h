@@ -1,11 +1,8 @@
 #pragma once
 
-#include <cstdint>
 #include <deque>
 #include <functional>
-#include <memory>
 #include <set>
-#include <string>
 #include <tuple>
 #include <vector>
 

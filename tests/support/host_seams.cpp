@@ -1,10 +1,10 @@
 // The host build's definitions of the functions that src/platform/ defines for Windows, but for
 // WorkQueue::DefaultSystem (photos/std_work_queue_system.cpp). Each hands the call to an
 // in-memory stand-in that the tests set up and read back.
+#include <algorithm>
 #include <cwctype>
 
 #include "diagnostics/log.h"
-#include "library/file_tree.h"
 #include "library/memory_registry.h"
 #include "library/memory_tree.h"
 #include "library/random.h"
@@ -60,7 +60,7 @@ bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool 
     for (uint32_t y = 0; y < g->copied.height; ++y) {
         auto* row = reinterpret_cast<uint32_t*>(static_cast<char*>(pixels) +
                                                 (g->destinationY + y) * size_t{stride});
-        for (uint32_t x = 0; x < g->copied.width; ++x) row[g->destinationX + x] = image->colour;
+        std::fill_n(row + g->destinationX, g->copied.width, image->colour);
     }
     return true;
 }
