@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <map>
 
 #include "library/memory_registry.h"
 #include "library/memory_tree.h"
@@ -17,31 +16,15 @@ namespace {
 
 using Paths = std::vector<std::wstring>;
 
-// The in-memory tree with a write time for each name, which the tree itself doesn't keep.
-struct DatedTree final : MemoryTree {
-    std::map<std::wstring, uint64_t> times;
-    bool List(const std::wstring& pattern, std::vector<FolderEntry>& entries) override {
-        const bool found = MemoryTree::List(pattern, entries);
-        for (FolderEntry& entry : entries) entry.writeTime = times[entry.name];
-        return found;
-    }
-};
-
-TEST(SessionStartup, PhotosAreTheFirstFoldersFilesNewestFirstOrElseTheSeconds) {
-    DatedTree tree;
-    tree.Add(L"C:\\a\\sub", kDirectoryBit);
-    // A folder, however new, is no photo; a hidden system file is.
-    const std::tuple<const wchar_t*, uint64_t, uint32_t> files[] = {
-        {L"old.jpg", 1, 0x20}, {L"new.jpg", 3, 0x20}, {L"sub", 9, kDirectoryBit}, {L"mid.jpg", 2, 0x06}};
-    for (const auto& [name, time, attributes] : files) {
-        tree.Add(L"C:\\b\\" + std::wstring(name), attributes);
-        tree.times[name] = time;
-    }
-    const PhotoLister list = [&](const std::wstring& folder) { return ListPhotosIn(tree, folder); };
-    const Paths b{L"C:\\b\\new.jpg", L"C:\\b\\mid.jpg", L"C:\\b\\old.jpg"};
-    EXPECT_EQ(ChoosePhotos(list, L"C:\\a", L"C:\\b"), b);
-    EXPECT_EQ(ChoosePhotos(list, L"C:\\b", L"C:\\a"), b);
-    EXPECT_EQ(ChoosePhotos(list, L"C:\\missing", L"C:\\a"), Paths{});
+// The platform's own choice: the first folder's photos as ListPhotos gives them, else the second's.
+TEST(SessionStartup, PhotosAreTheFirstFoldersFilesOrElseTheSeconds) {
+    MemoryTree& tree = TestTree() = MemoryTree();
+    tree.Add(L"C:\\a\\sub", kDirectoryBit); // a folder is no photo
+    tree.Add(L"C:\\b\\one.jpg", 0x06);      // a hidden system file is
+    const Paths b{L"C:\\b\\one.jpg"};
+    EXPECT_EQ(ChoosePhotos(ListPhotos, L"C:\\a", L"C:\\b"), b);
+    EXPECT_EQ(ChoosePhotos(ListPhotos, L"C:\\b", L"C:\\a"), b);
+    EXPECT_EQ(ChoosePhotos(ListPhotos, L"C:\\missing", L"C:\\a"), Paths{});
 }
 
 TEST(SessionStartup, SortsByFileNameFoldingOnlyAToZStablyOrShufflesFromTheTop) {
