@@ -8,7 +8,6 @@
 #include "library/memory_registry.h"
 #include "library/memory_tree.h"
 #include "library/random.h"
-#include "library/settings_key.h"
 #include "library/system_text.h"
 #include "photos/fake_image_files.h"
 #include "photos/image_decoder.h"
