@@ -11,7 +11,7 @@
 // A work queue system whose background thread never runs by itself: jobs wait in the queue until
 // a test runs them on its own thread, with RunJobs or with the queue's own loop (`loop`), so
 // photos arrive exactly when the test says. A wait for the thread ends at once.
-class ScriptedQueueSystem final : public WorkQueue::System {
+struct ScriptedQueueSystem final : WorkQueue::System {
     struct Idle final : WorkQueue::Wake, WorkQueue::Thread {
         explicit Idle(uint32_t& waited) : waited(waited) {}
         void Set() override {}
@@ -20,7 +20,6 @@ class ScriptedQueueSystem final : public WorkQueue::System {
         uint32_t& waited;
     };
 
-public:
     std::unique_ptr<WorkQueue::Wake> CreateWake() override {
         return std::make_unique<Idle>(waited);
     }
