@@ -1,11 +1,8 @@
 #pragma once
 
-#include <cstdint>
 #include <deque>
 #include <functional>
-#include <memory>
 #include <set>
-#include <string>
 #include <tuple>
 #include <vector>
 
@@ -14,8 +11,7 @@
 // A scripted window thread: a counter at one count per microsecond that tests and waits move, a
 // message queue of callables (a null one is the quit message), and records of what the logic
 // asked of the window system.
-class FakeWindowThread final : public WindowThread {
-public:
+struct FakeWindowThread final : WindowThread {
     int64_t CounterFrequency() override { return 1'000'000; }
     int64_t Counter() override {
         if (onCounter) onCounter();

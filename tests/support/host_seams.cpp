@@ -1,15 +1,13 @@
 // The host build's definitions of the functions that src/platform/ defines for Windows, but for
 // WorkQueue::DefaultSystem (photos/std_work_queue_system.cpp). Each hands the call to an
 // in-memory stand-in that the tests set up and read back.
+#include <algorithm>
 #include <cwctype>
-#include <vector>
 
 #include "diagnostics/log.h"
-#include "library/file_tree.h"
 #include "library/memory_registry.h"
 #include "library/memory_tree.h"
 #include "library/random.h"
-#include "library/settings_key.h"
 #include "library/system_text.h"
 #include "photos/fake_image_files.h"
 #include "photos/image_decoder.h"
@@ -19,7 +17,6 @@ namespace {
 
 uint32_t nextRandom = 0;
 uint32_t randomsDrawn = 0;
-std::vector<uint32_t> scriptedRandoms; // given first, from the back
 
 const FakeImage* Open(const std::wstring& path) {
     FakeImageFiles& fake = FakeFiles();
@@ -30,16 +27,10 @@ const FakeImage* Open(const std::wstring& path) {
 
 } // namespace
 
-// The scripted numbers, then consecutive numbers from the one the test set, counted.
+// Consecutive numbers from the one the test set, counted.
 uint32_t RandomU32() {
     ++randomsDrawn;
-    if (scriptedRandoms.empty()) return nextRandom++;
-    const uint32_t value = scriptedRandoms.back();
-    scriptedRandoms.pop_back();
-    return value;
-}
-void ScriptRandoms(std::vector<uint32_t> values) {
-    scriptedRandoms.assign(values.rbegin(), values.rend());
+    return nextRandom++;
 }
 void SetNextRandom(uint32_t value) { nextRandom = value; }
 uint32_t RandomDrawCount() { return randomsDrawn; }
@@ -68,7 +59,7 @@ bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool 
     for (uint32_t y = 0; y < g->copied.height; ++y) {
         auto* row = reinterpret_cast<uint32_t*>(static_cast<char*>(pixels) +
                                                 (g->destinationY + y) * size_t{stride});
-        for (uint32_t x = 0; x < g->copied.width; ++x) row[g->destinationX + x] = image->colour;
+        std::fill_n(row + g->destinationX, g->copied.width, image->colour);
     }
     return true;
 }

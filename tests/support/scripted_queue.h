@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -12,7 +11,7 @@
 // A work queue system whose background thread never runs by itself: jobs wait in the queue until
 // a test runs them on its own thread, with RunJobs or with the queue's own loop (`loop`), so
 // photos arrive exactly when the test says. A wait for the thread ends at once.
-class ScriptedQueueSystem final : public WorkQueue::System {
+struct ScriptedQueueSystem final : WorkQueue::System {
     struct Idle final : WorkQueue::Wake, WorkQueue::Thread {
         explicit Idle(uint32_t& waited) : waited(waited) {}
         void Set() override {}
@@ -21,7 +20,6 @@ class ScriptedQueueSystem final : public WorkQueue::System {
         uint32_t& waited;
     };
 
-public:
     std::unique_ptr<WorkQueue::Wake> CreateWake() override {
         return std::make_unique<Idle>(waited);
     }
@@ -39,17 +37,12 @@ public:
 };
 
 // Runs up to `count` waiting jobs in the order posted, then every completion, as the window
-// thread's message phase would. Gives the number of jobs run.
+// thread's message phase would. Gives the number of jobs run. No other thread touches the queue.
 inline size_t RunJobs(WorkQueue& queue, size_t count = SIZE_MAX) {
     size_t ran = 0;
-    for (; ran < count; ++ran) {
-        WorkQueue::Item job;
-        {
-            std::lock_guard<std::mutex> guard(queue.shared->lock);
-            if (queue.shared->jobs.empty()) break;
-            job = std::move(queue.shared->jobs.front());
-            queue.shared->jobs.pop_front();
-        }
+    for (auto& jobs = queue.shared->jobs; ran < count && !jobs.empty(); ++ran) {
+        const WorkQueue::Item job = std::move(jobs.front());
+        jobs.pop_front();
         job();
     }
     queue.Drain();
