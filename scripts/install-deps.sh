@@ -11,6 +11,8 @@ want cmake
 want ninja-build
 want libgtest-dev
 want libgmock-dev
+# Google Benchmark, for the host benchmark of the effects' cost per frame (tests/bench)
+want libbenchmark-dev
 want googletest
 want g++-mingw-w64-x86-64-posix
 want wine64

@@ -6,8 +6,11 @@
 //   lumivane_wine_bench.exe show <photo directory> <SaverShow> <seconds>
 //       sets ImportsDir, SaverShow and SaverPause "0" and runs a full-screen session of the saver
 //       in this process for <seconds>, behind a window thread that times every pass of the render
-//       loop. Prints <show> <first pass ms> <passes> <fps> <median ms> <worst ms>, where median
-//       and worst leave out the first pass.
+//       loop and counts, through a probe around each render target, what each pass uploads and
+//       draws. Prints <show> <first pass ms> <first photo ms> <passes> <fps> <median ms>
+//       <worst ms> <upload passes> <upload median ms>: median and worst are of the passes that
+//       upload no photo, the first apart; the first photo is the end of the first pass that drew
+//       a bitmap, from the start of the first pass.
 #include <windows.h>
 
 #include <algorithm>
@@ -16,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/probe_surface.h"
 #include "photos/image_decoder.h"
 #include "platform/win_handles.h"
 #include "platform/window_thread_win.h"
@@ -29,7 +33,7 @@ double NowMs() {
 }
 
 // The real window thread; a pass runs from the empty message queue to the next look at it.
-// After `seconds` it answers the quit message.
+// After `seconds` it answers the quit message. Its render targets are probed.
 struct TimedThread final : Win32WindowThread {
     explicit TimedThread(double seconds) : deadline(NowMs() + seconds * 1000) {}
     Dispatched DispatchNext() override {
@@ -43,16 +47,27 @@ struct TimedThread final : Win32WindowThread {
         EndPass();
         Win32WindowThread::WaitForInput(ms);
     }
+    std::unique_ptr<DrawingSurface> CreateWindowTarget(const DrawingFactories* factories,
+                                                       WindowHandle window, int32_t width,
+                                                       int32_t height, bool primary) override {
+        auto real =
+            Win32WindowThread::CreateWindowTarget(factories, window, width, height, primary);
+        return real ? std::make_unique<ProbeSurface>(std::move(real), counts) : nullptr;
+    }
     void EndPass() {
         if (passStart < 0) return;
-        passes.push_back(NowMs() - passStart);
         if (firstStart < 0) firstStart = passStart;
         lastEnd = NowMs();
+        if (firstPhoto < 0 && counts.bitmapDraws > 0) firstPhoto = lastEnd - firstStart;
+        (counts.uploads > 0 && !passes.empty() ? uploadPasses : passes)
+            .push_back(lastEnd - passStart);
+        counts = {};
         passStart = -1;
     }
 
-    std::vector<double> passes; // milliseconds
-    double deadline, passStart = -1, firstStart = -1, lastEnd = 0;
+    ProbeCounts counts;                       // of the pass going on
+    std::vector<double> passes, uploadPasses; // milliseconds; the first pass is passes[0]
+    double deadline, passStart = -1, firstStart = -1, lastEnd = 0, firstPhoto = -1;
 };
 
 // The mean time of `runs` decodes of `path` to `width` x `height`; negative if one failed.
@@ -77,12 +92,15 @@ int Show(ComApartment& apartment, const wchar_t* directory, const wchar_t* show,
         apartment.Leave(); // before the session goes, as the saver does
     }
     // The first pass also sets up the device behind the targets: it is shown apart.
-    std::vector<double>& ms = thread.passes;
+    std::vector<double>&ms = thread.passes, &up = thread.uploadPasses;
     const size_t count = ms.size();
     if (count > 1) std::sort(ms.begin() + 1, ms.end());
-    std::wprintf(L"%ls %.0f %zu %.2f %.0f %.0f\n", show, count ? ms[0] : 0, count,
-                 count * 1000.0 / std::max(thread.lastEnd - thread.firstStart, 1.0),
-                 count > 1 ? ms[1 + (count - 1) / 2] : 0, count > 1 ? ms.back() : 0);
+    std::sort(up.begin(), up.end());
+    std::wprintf(L"%ls %.0f %.0f %zu %.2f %.0f %.0f %zu %.0f\n", show, count ? ms[0] : 0,
+                 thread.firstPhoto, count + up.size(),
+                 (count + up.size()) * 1000.0 / std::max(thread.lastEnd - thread.firstStart, 1.0),
+                 count > 1 ? ms[1 + (count - 1) / 2] : 0, count > 1 ? ms.back() : 0, up.size(),
+                 up.empty() ? 0 : up[up.size() / 2]);
     return 0;
 }
 
