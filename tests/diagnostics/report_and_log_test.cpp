@@ -9,7 +9,7 @@
 #include "support/random_fake.h"
 
 // A crash before the first stage has none to name.
-TEST(CrashReport, ElevenLinesThenBothFrameFormsCutAt12287Bytes) {
+TEST(CrashReport, ElevenLinesBothFrameFormsTheCapAndTheSmallFormsTheReporterFillsIn) {
     char detail[kDetailSize];
     FormatAccessDetail(detail, 8, 0x10);
     std::vector<char> buffer(kReportBufferSize);
@@ -29,9 +29,7 @@ TEST(CrashReport, ElevenLinesThenBothFrameFormsCutAt12287Bytes) {
     const std::string text(buffer.data());
     EXPECT_EQ(text.size(), 12287u);
     EXPECT_NE(text.back(), '\n');
-}
 
-TEST(CrashReport, IdentifiersVersionFileNameAndBacktraceFallBack) {
     SetNextRandom(2); // one draw per digit; digit 16 draws 18, whose low bits 2 make the variant
     const uint32_t before = RandomDrawCount();
     char identifier[kIdentifierSize];

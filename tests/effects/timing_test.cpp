@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(Curves, MatchTheReferenceValuesAndClampOutsideZeroToOne) {
+TEST(Curves, MatchTheReferenceValuesAndClampAndHoldsFollowTheirColumn) {
     const struct {
         double (*curve)(double);
         double at25, at75;
@@ -20,10 +20,8 @@ TEST(Curves, MatchTheReferenceValuesAndClampOutsideZeroToOne) {
         EXPECT_EQ(c.curve(-3.0), c.curve(0.0));
     }
     EXPECT_NEAR(Ease(0), 2.79e-10, 0.01e-10); // thirty halvings end just above 0, at 2^-30
-}
 
-TEST(Curves, HoldsFollowTheirColumnAndClampTheIndex) {
-    // Index, then the seconds of Fader, Slider, Reflections and Faller; Panner; FourUp.
+    // The holds: index, then the seconds of Fader, Slider, Reflections and Faller; Panner; FourUp.
     // clang-format off
     const int32_t rows[][4] = {{-1, 3, 3, 6}, {0, 3, 3, 6}, {1, 5, 5, 10}, {2, 10, 10, 20},
                                {3, 20, 15, 40}, {4, 30, 20, 60}, {5, 60, 60, 120}, {9, 60, 60, 120}};

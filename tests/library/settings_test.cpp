@@ -5,7 +5,7 @@
 #include "library/settings.h"
 
 // (That only a write makes the key is a test of the real key.)
-TEST(Settings, EachValueFormReadsByItsRule) {
+TEST(Settings, EachValueFormReadsByItsRuleAndPathsAreRewrittenByWholeFolderNames) {
     const auto Utf16 = MemoryRegistry::Utf16;
     TestRegistry() = {};
     Settings::WriteString(L"Value", L"D:\\\u20AC"); // both bytes of each character, and a zero
@@ -24,9 +24,8 @@ TEST(Settings, EachValueFormReadsByItsRule) {
         EXPECT_EQ(Settings::ReadDword(L"Value", 1), number) << type;
         EXPECT_EQ(Settings::ReadString(L"Value"), text) << type;
     }
-}
 
-TEST(Settings, PathRewriteReplacesWholeFolderNamesAndWritesOnlyWhatChanged) {
+    // The rewrite of paths replaces whole folder names and writes only what changed.
     TestRegistry() = {};
     const std::wstring old = L"C:\\U\\Local\\LumivaneW";
     TestRegistry().PutString(L"A", L"x:" + old + L"\nc:\\u\\LOCAL\\lumivanew|" + old + L"\\S|" +
@@ -34,7 +33,7 @@ TEST(Settings, PathRewriteReplacesWholeFolderNamesAndWritesOnlyWhatChanged) {
     // Left alone: a name too long for the walk, which must go on past it, a type other than
     // REG_SZ, and a longer folder name.
     TestRegistry().PutString(L"B" + std::wstring(300, L'n'), old);
-    TestRegistry().Put(L"C", 2, MemoryRegistry::Utf16(old));
+    TestRegistry().Put(L"C", 2, Utf16(old));
     TestRegistry().PutString(L"D", old);
     Settings::ReplacePathInValues(old, L"C:\\New");
     EXPECT_EQ(Settings::ReadString(L"A"), L"x:C:\\New\nC:\\New|C:\\New\\S|" + old + L"2");

@@ -13,16 +13,14 @@
 
 namespace {
 
-TEST(ImageDecoder, OrientationTagsMapToTheFlipRotatorsTransforms) {
+TEST(ImageDecoder, OrientationTagsMapToTransformsAndPlansScaleCropAndPlacement) {
     // Tag values 0 to 9: only 2 to 8 transform, and 5 to 8 swap the axes.
     const uint32_t expected[] = {0, 0, 8, 2, 16, 9, 1, 11, 3, 0};
     for (uint32_t tag = 0; tag < 10; ++tag) {
         EXPECT_EQ(OrientationTransform(tag), expected[tag]) << tag;
         EXPECT_EQ(OrientedSize(40, 30, expected[tag]).width, tag >= 5 && tag <= 8 ? 30u : 40u);
     }
-}
 
-TEST(ImageDecoder, PlansScaleCropAndPlacement) {
     // The frame's width, height and transform, the target's width and height, cover, and the
     // plan: scaled w h, scaler w h, source x y, copied w h, destination x y.
     using Plan = std::array<uint32_t, 10>;
@@ -117,17 +115,21 @@ TEST(WorkQueue, JobsRunInOrderStopDropsWhatIsLeftAndALateJobPostsSafely) {
     EXPECT_TRUE(completion.expired());
 }
 
-std::wstring PathAt(int i) { return L"C:\\p\\Photo " + std::to_wstring(i) + L"-a0000000.jpg"; }
+// Photo i; the odd ones are imported, their names ending in "-z" and seven more characters.
+std::wstring PathAt(int i) {
+    return L"C:\\p\\Photo " + std::to_wstring(i) + (i % 2 ? L"-z" : L"-a") + L"0000000.jpg";
+}
 
 TEST(PhotoSource, TriesTenPlacesFromItsCursorAndDeliversTheFirstGoodOneInItsShape) {
     using S = PhotoSource::Shape;
     // 400 x 300 files, file i in the colour 0xFF100000 + i and all damaged but `good`, asked for
-    // at 160 x 90 with the flag of their kind `titled`: the places tried, the width delivered
-    // (0: none) and whether its top left pixel is a bar.
+    // at 160 x 90 with captions for plain photos when `titled`, else for imported ones: the places
+    // tried, the width delivered (0: none) and whether its top left pixel is a bar.
     const std::tuple<int, int, uint64_t, S, bool, std::vector<int>, int32_t, bool> cases[] = {
         {25, -1, 24, S::Letterbox, true, {24, 0, 1, 2, 3, 4, 5, 6, 7, 8}, 0, false},
         {3, -1, 1, S::Exact, true, {1, 2, 0}, 0, false}, {0, -1, 3, S::Cover, true, {}, 0, false},
         {25, 9, 0, S::Letterbox, true, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 160, true},
+        {10, 5, 5, S::Cover, false, {5}, 160, false},
         {10, 6, 6, S::Exact, true, {6, 6}, 120, false}}; // Exact reads the size first
     for (const auto& [count, good, cursor, shape, titled, places, width, bar] : cases) {
         FakeFiles() = {};
@@ -155,23 +157,10 @@ TEST(PhotoSource, TriesTenPlacesFromItsCursorAndDeliversTheFirstGoodOneInItsShap
         EXPECT_EQ(source.cursor, cursor + 1);
         EXPECT_TRUE(photo.width == width && photo.height == (width ? 90 : 0));
         if (width) EXPECT_EQ(photo.pixels.at(0), bar ? 0xFF000000 : 0xFF100000u + good);
-        EXPECT_EQ(photo.title, titled && width ? L"Photo " + std::to_wstring(good) : L"");
+        // The caption is the name without its tail when the flag of the photo's own kind is on.
+        const bool shown = width && titled == (good % 2 == 0);
+        EXPECT_EQ(photo.title, shown ? L"Photo " + std::to_wstring(good) : L"");
     }
-}
-
-TEST(PhotoTitles, CaptionIsTheNameWithoutItsTailWhenItsKindsFlagIsOn) {
-    // The name, whether it is an imported photo, its caption.
-    const std::tuple<const wchar_t*, bool, const wchar_t*> cases[] = {
-        {L"IMG_0001.jpg", false, L""}, {L"-z1234567.jpg", true, L""},
-        {L"a-z1234567.jpg", true, L"a"}};
-    for (const auto& [name, imported, caption] : cases) {
-        const std::wstring path = std::wstring(L"C:\\long folder name\\") + name;
-        // Only the flag of the photo's own kind counts.
-        const TitleFlags ownOff = imported ? TitleFlags{true, false} : TitleFlags{false, true};
-        EXPECT_EQ(PhotoCaption(path, ownOff), L"") << path;
-        EXPECT_EQ(PhotoCaption(path, {!ownOff[0], !ownOff[1]}), caption) << path;
-    }
-    EXPECT_EQ(PhotoCaption(L"", {true, true}), L"");
 }
 
 } // namespace

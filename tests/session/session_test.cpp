@@ -17,7 +17,7 @@ namespace {
 using Paths = std::vector<std::wstring>;
 
 // The platform's own choice: the first folder's photos as ListPhotos gives them, else the second's.
-TEST(SessionStartup, PhotosAreTheFirstFoldersFilesOrElseTheSeconds) {
+TEST(SessionStartup, PhotosAreTheFirstFoldersFilesOrElseTheSecondsSortedOrShuffled) {
     MemoryTree& tree = TestTree() = MemoryTree();
     tree.Add(L"C:\\a\\sub", kDirectoryBit); // a folder is no photo
     tree.Add(L"C:\\b\\one.jpg", 0x06);      // a hidden system file is
@@ -25,9 +25,8 @@ TEST(SessionStartup, PhotosAreTheFirstFoldersFilesOrElseTheSeconds) {
     EXPECT_EQ(ChoosePhotos(ListPhotos, L"C:\\a", L"C:\\b"), b);
     EXPECT_EQ(ChoosePhotos(ListPhotos, L"C:\\b", L"C:\\a"), b);
     EXPECT_EQ(ChoosePhotos(ListPhotos, L"C:\\missing", L"C:\\a"), Paths{});
-}
 
-TEST(SessionStartup, SortsByFileNameFoldingOnlyAToZStablyOrShufflesFromTheTop) {
+    // They are sorted by file name folding only A to Z, stably, or shuffled from the top.
     Paths photos{L"C:\\x\\b.jpg", L"C:\\z\\A.jpg", L"C:\\y\\Same.jpg", L"C:\\a\\\u00C9.jpg",
                  L"C:\\a\\same.JPG", L"noslash.jpg"};
     OrderPhotos(photos, 0, {}); // a sort draws no numbers
