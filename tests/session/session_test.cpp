@@ -40,16 +40,8 @@ TEST(SessionStartup, PhotosAreTheFirstFoldersFilesOrElseTheSecondsSortedOrShuffl
     EXPECT_EQ(drawn, 2u);
 }
 
-TEST(SessionStartup, WindowsStartShareApartAndScaleWithTheDpi) {
-    // 10 photos on 2 monitors, 2 on 3, none on none: at least one apart.
-    for (const auto [photos, windows, share] : {std::tuple{10, 2, 5}, {2, 3, 1}, {0, 0, 1}})
-        EXPECT_EQ(PhotoShare(photos, windows), uint64_t(share));
-    EXPECT_FLOAT_EQ(WindowScale(SaverMode::Fullscreen, 144, 200, 1080), 1.5f);
-    EXPECT_EQ(WindowScale(SaverMode::Preview, 96, 200, 0), 200.0f); // no screen height: 1
-}
-
 // What a run takes from the options key, with the fallbacks of missing or mistyped values.
-TEST(SessionStartup, ReadOptionsFallsBackPerValue) {
+TEST(SessionStartup, ReadOptionsFallsBackPerValueAndWindowsStartApartAndScaleWithTheDpi) {
     // SaverShow, SaverPause, SaverFit, SaverTitle, SaverImportedTitle (-1: not there), then
     // the effect kind, the pause index, fit, title and importedTitle.
     const std::tuple<const wchar_t*, const wchar_t*, std::array<int, 3>, EffectKind, int32_t,
@@ -71,6 +63,12 @@ TEST(SessionStartup, ReadOptionsFallsBackPerValue) {
         EXPECT_TRUE(options.kind == kind && options.effectOptions.pauseIndex == pauseIndex &&
                     options.effectOptions.fit == flags[0]);
     }
+
+    // 10 photos on 2 monitors, 2 on 3, none on none: at least one apart.
+    for (const auto [photos, windows, share] : {std::tuple{10, 2, 5}, {2, 3, 1}, {0, 0, 1}})
+        EXPECT_EQ(PhotoShare(photos, windows), uint64_t(share));
+    EXPECT_FLOAT_EQ(WindowScale(SaverMode::Fullscreen, 144, 200, 1080), 1.5f);
+    EXPECT_EQ(WindowScale(SaverMode::Preview, 96, 200, 0), 200.0f); // no screen height: 1
 }
 
 TEST(CommandLine, DecidesModeHandleAndSilentExits) {
@@ -96,7 +94,7 @@ TEST(CommandLine, DecidesModeHandleAndSilentExits) {
     }
 }
 
-TEST(WindowMessages, ActByMode) {
+TEST(WindowMessages, ActByModeAndTheMouseDismissesOnce) {
     using A = MessageAction;
     namespace M = WindowMessage;
     // The message, its wParam, the actions in full screen and in a preview.
@@ -112,17 +110,16 @@ TEST(WindowMessages, ActByMode) {
         EXPECT_EQ(DecideMessage(SaverMode::Fullscreen, message, wParam), fullscreen);
         EXPECT_EQ(DecideMessage(SaverMode::Preview, message, wParam), preview);
     }
-}
 
-TEST(MouseRule, FirstMoveRecordsAndNineFromThereHidesEveryWindowAndQuitsOnce) {
-    // The moves, and whether they dismiss.
-    const std::pair<std::vector<std::pair<int32_t, int32_t>>, bool> cases[] = {
+    // The mouse: the first move records, and nine pixels from there hide every window and quit
+    // once. The moves, and whether they dismiss.
+    const std::pair<std::vector<std::pair<int32_t, int32_t>>, bool> mice[] = {
         {{{100, 100}, {108, 92}}, false},           // 8 along both
         {{{100, 100}, {109, 100}, {300, 9}}, true}, // 9 along x, then more
         {{{100, 100}, {100, 91}}, true},
         {{{100, 100}, {105, 100}, {110, 100}}, true},                  // drifting adds up
         {{{-1920, -5}, {-1914, -5}, {-1926, -5}, {-1920, 3}}, false}}; // the record stays put
-    for (const auto& [moves, dismissed] : cases) {
+    for (const auto& [moves, dismissed] : mice) {
         FakeWindowThread thread;
         SaverSession session(SaverMode::Fullscreen, &thread);
         std::vector<WindowHandle> windows;
