@@ -9,7 +9,7 @@
 #include "support/random_fake.h"
 
 // A crash before the first stage has none to name.
-TEST(CrashReport, ElevenLinesBothFrameFormsTheCapAndTheSmallFormsTheReporterFillsIn) {
+TEST(CrashReport, ElevenLinesBothFrameFormsTheCapTheSmallFormsAndTheLogLine) {
     char detail[kDetailSize];
     FormatAccessDetail(detail, 8, 0x10);
     std::vector<char> buffer(kReportBufferSize);
@@ -53,9 +53,9 @@ TEST(CrashReport, ElevenLinesBothFrameFormsTheCapAndTheSmallFormsTheReporterFill
     EXPECT_EQ(FallBackToBacktrace(backtrace, 6, 0xbad, frames, 5), 5);
     EXPECT_EQ(FallBackToBacktrace(backtrace, 6, 0xbad, frames, 1), 4);
     EXPECT_EQ(frames[0], 0xbadu);
-}
 
-TEST(Log, LineHasLocalTimeProcessTextAndCrLfAndTheLogRotatesOnlyAboveOneMebibyte) {
+    // The log line has the local time, the process, the text and CR LF; the log rotates only
+    // above one mebibyte.
     EXPECT_EQ(LogLine({2026, 5, 3, 9, 5, 7}, 7, L"saver: caf\u00e9"),
               L"2026-05-03 09:05:07 [7] saver: caf\u00e9\r\n");
     EXPECT_FALSE(LogNeedsRotation(1048576));

@@ -150,16 +150,6 @@ struct Fixture {
     }
 };
 
-TEST(Crossfade, PeriodFollowsThePauseIndexAlphaTheStepAndCaptionTheHeight) {
-    const uint32_t periods[] = {13000, 6000, 8000, 13000, 23000, 33000, 63000, 13000};
-    for (int32_t i = -1; i <= 6; ++i) EXPECT_EQ(CrossfadePeriodMs(i), periods[i + 1]) << i;
-    for (auto [step, alpha] : {std::pair{0, 0}, {1, 2}, {50, 127}, {100, 255}, {101, 255}})
-        EXPECT_EQ(FadeAlpha(step), alpha) << step;
-    // The caption's place on a monitor is seen end to end; a preview's pane sets larger text.
-    for (auto [height, font] : {std::pair{100, 12}, {240, 20}})
-        EXPECT_EQ(LayOutCaption(SaverMode::Preview, 320, height).fontHeight, font);
-}
-
 TEST(Crossfade, LoadTriesAtMostTenPhotosAndEachOnceMovingOnOverFailures) {
     // Photos, cursor, the photos tried in order, how many of the first ones tried fail.
     const std::tuple<size_t, uint64_t, std::vector<size_t>, size_t> cases[] = {
@@ -181,7 +171,7 @@ TEST(Crossfade, LoadTriesAtMostTenPhotosAndEachOnceMovingOnOverFailures) {
     }
 }
 
-TEST(Crossfade, FadeSwitchesCaptionAtStep51AndEndsWithTheNextPhotoCurrent) {
+TEST(Crossfade, FadeSwitchesCaptionAtStep51EndsWithTheNextPhotoAndFollowsPeriodAndAlpha) {
     Fixture f(2), one(1);
     EXPECT_FALSE(one.window.StartFade()) << "one photo never fades";
     ASSERT_TRUE(f.window.LoadNext(f.window.currentBitmap, f.window.currentCaption) &&
@@ -197,6 +187,15 @@ TEST(Crossfade, FadeSwitchesCaptionAtStep51AndEndsWithTheNextPhotoCurrent) {
     EXPECT_EQ(Loaded(f.window.currentBitmap) + Loaded(f.window.nextBitmap), PhotoPath(1));
     EXPECT_TRUE(f.window.StartFade() && f.window.fadeStep == 1 &&
                 Loaded(f.window.nextBitmap) == PhotoPath(0));
+
+    // The period follows the pause index, the alpha the step and the caption the height.
+    const uint32_t periods[] = {13000, 6000, 8000, 13000, 23000, 33000, 63000, 13000};
+    for (int32_t i = -1; i <= 6; ++i) EXPECT_EQ(CrossfadePeriodMs(i), periods[i + 1]) << i;
+    for (auto [step, alpha] : {std::pair{0, 0}, {1, 2}, {50, 127}, {100, 255}, {101, 255}})
+        EXPECT_EQ(FadeAlpha(step), alpha) << step;
+    // The caption's place on a monitor is seen end to end; a preview's pane sets larger text.
+    for (auto [height, font] : {std::pair{100, 12}, {240, 20}})
+        EXPECT_EQ(LayOutCaption(SaverMode::Preview, 320, height).fontHeight, font);
 }
 
 } // namespace
