@@ -1,11 +1,14 @@
 // The texts that the diagnostics write: the crash report (its eleven head lines, both frame
-// forms, the size cap, and the small forms that the reporter fills in) and the log line.
+// forms, the size cap, and the small forms that the reporter fills in), the log line, and the
+// language of the texts.
 #include "diagnostics/crash_report.h"
 
 #include <gtest/gtest.h>
 
 #include "diagnostics/crash_reporter.h"
 #include "diagnostics/log.h"
+#include "diagnostics/string_table.h"
+#include "library/memory_registry.h"
 #include "support/random_fake.h"
 
 // A crash before the first stage has none to name.
@@ -60,4 +63,28 @@ TEST(CrashReport, ElevenLinesBothFrameFormsTheCapTheSmallFormsAndTheLogLine) {
               L"2026-05-03 09:05:07 [7] saver: caf\u00e9\r\n");
     EXPECT_FALSE(LogNeedsRotation(1048576));
     EXPECT_TRUE(LogNeedsRotation(1048577));
+}
+
+// The language of the process, from the option Language and the system's language.
+TEST(StringTable, LanguageValueMatchesExactlyElseTheSystemsPrimaryLanguageDecides) {
+    // The no-photos text after a start with `value` of Language (null: none) on a system whose
+    // language identifier is `system` (its primary language in the low 10 bits).
+    const auto textFor = [](const wchar_t* value, uint16_t system) {
+        TestRegistry() = {};
+        if (value) TestRegistry().PutString(L"Language", value);
+        StringTable::Init(system);
+        return StringTable::Get(kNoPhotosText);
+    };
+    // Each code gives a translation on an English system, and the same on a system of that
+    // language without a value; a value in other letters counts for nothing.
+    const std::pair<const wchar_t*, uint16_t> languages[] = {{L"de", 0x0407}, {L"es", 0x0C0A},
+                                                             {L"fr", 0x040C}, {L"it", 0x0810},
+                                                             {L"nl", 0x0813}, {L"pt", 0x0816}};
+    for (const auto& [code, system] : languages) {
+        const std::wstring text = textFor(code, 0x0409);
+        EXPECT_NE(text, kNoPhotosText) << code;
+        EXPECT_EQ(textFor(nullptr, system), text) << code;
+    }
+    EXPECT_EQ(textFor(L"DE", 0x0409), kNoPhotosText);
+    EXPECT_EQ(textFor(L"en", 0x0407), kNoPhotosText);
 }
