@@ -317,7 +317,7 @@ TEST(FourUp, StartsFourSecondsApartInTwoColumnsWithTheBottomRowUnderTheTallerTop
 
 // The shared curves, holds and shadow against their reference numbers (the opacity timeline is
 // checked through the Fader's).
-TEST(Curves, MatchTheReferenceValuesAndClampAndHoldsFollowTheirColumn) {
+TEST(Curves, MatchTheReferenceValuesAndClampHoldsFollowTheirColumnAndShadowsBlur) {
     const struct {
         double (*curve)(double);
         double at25, at75;
@@ -343,9 +343,8 @@ TEST(Curves, MatchTheReferenceValuesAndClampAndHoldsFollowTheirColumn) {
         EXPECT_EQ(HoldSeconds(EffectKind::Panner, index), panner) << index;
         EXPECT_EQ(HoldSeconds(EffectKind::FourUp, index), fourUp) << index;
     }
-}
 
-TEST(Shadow, IsAGaussianBlurOfTheRectangleAtReducedResolution) {
+    // The shadow is a Gaussian blur of the rectangle at reduced resolution.
     Shadow shadow;
     BuildShadow(300, 200, 50, 0.65f, shadow);
     EXPECT_EQ(shadow.pad, 75.0f);

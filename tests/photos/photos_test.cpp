@@ -13,7 +13,7 @@
 
 namespace {
 
-TEST(ImageDecoder, OrientationTagsMapToTransformsAndPlansScaleCropAndPlacement) {
+TEST(ImageDecoder, OrientationsMapPlansScaleCropAndPlaceAndExactCoversItsRoundedSize) {
     // Tag values 0 to 9: only 2 to 8 transform, and 5 to 8 swap the axes.
     const uint32_t expected[] = {0, 0, 8, 2, 16, 9, 1, 11, 3, 0};
     for (uint32_t tag = 0; tag < 10; ++tag) {
@@ -47,9 +47,7 @@ TEST(ImageDecoder, OrientationTagsMapToTransformsAndPlansScaleCropAndPlacement) 
     EXPECT_FALSE(PlanDecode(4000, 3000, 0, 0, 1080, false));
     EXPECT_FALSE(PlanDecode(4000, 3000, 0, 1920, -1, true));
     EXPECT_FALSE(PlanDecode(0, 3000, 0, 1920, 1080, false));
-}
 
-TEST(LoadPhoto, ExactCoversItsRoundedSizeAndNoSideOpensNothing) {
     FakeFiles() = {};
     FakeFiles().files[L"C:\\wide.jpg"] = {300, 199, 0, 0xFF445566};
     // 300 x 199 into 100 x 100 is 100 x 66, which only the second pass's cover fills: fitted

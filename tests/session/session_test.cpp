@@ -19,7 +19,7 @@ namespace {
 using Paths = std::vector<std::wstring>;
 
 // The platform's own choice: the first folder's photos as ListPhotos gives them, else the second's.
-TEST(SessionStartup, PhotosAreTheFirstFoldersFilesOrElseTheSecondsSortedOrShuffled) {
+TEST(SessionStartup, PhotosOptionsAndWindowsStartsAndScale) {
     MemoryTree& tree = TestTree() = MemoryTree();
     tree.Add(L"C:\\a\\sub", kDirectoryBit); // a folder is no photo
     tree.Add(L"C:\\b\\one.jpg", 0x06);      // a hidden system file is
@@ -40,10 +40,8 @@ TEST(SessionStartup, PhotosAreTheFirstFoldersFilesOrElseTheSecondsSortedOrShuffl
     OrderPhotos(photos, -1, [&] { return std::vector<uint32_t>{0, 3}.at(drawn++); });
     EXPECT_EQ(photos, (Paths{L"c", L"b", L"a"}));
     EXPECT_EQ(drawn, 2u);
-}
 
-// What a run takes from the options key, with the fallbacks of missing or mistyped values.
-TEST(SessionStartup, ReadOptionsFallsBackPerValueAndWindowsStartApartAndScaleWithTheDpi) {
+    // What a run takes from the options key, with the fallbacks of missing or mistyped values.
     // SaverShow, SaverPause, SaverFit, SaverTitle, SaverImportedTitle (-1: not there), then
     // the effect kind, the pause index, fit, title and importedTitle.
     const std::tuple<const wchar_t*, const wchar_t*, std::array<int, 3>, EffectKind, int32_t,
@@ -277,7 +275,7 @@ struct Fixture {
     }
 };
 
-TEST(Crossfade, LoadTriesAtMostTenPhotosAndEachOnceMovingOnOverFailures) {
+TEST(Crossfade, LoadTriesTenPhotosEachOnceAndTheFadeSwitchesCaptionAtStep51) {
     // Photos, cursor, the photos tried in order, how many of the first ones tried fail.
     const std::tuple<size_t, uint64_t, std::vector<size_t>, size_t> cases[] = {
         {1, 0, {0}, 1}, {2, 3, {1, 0}, 1}, {25, 0, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 9},
@@ -296,11 +294,12 @@ TEST(Crossfade, LoadTriesAtMostTenPhotosAndEachOnceMovingOnOverFailures) {
         EXPECT_EQ(Loaded(f.window.currentBitmap) + L"|" + caption,
                   loaded ? tried.back() + L"|Photo " + std::to_wstring(indices.back()) : L"|old");
     }
-}
 
-TEST(Crossfade, FadeSwitchesCaptionAtStep51EndsWithTheNextPhotoAndFollowsPeriodAndAlpha) {
     Fixture f(2), one(1);
     EXPECT_FALSE(one.window.StartFade()) << "one photo never fades";
+    Fixture unreadable(2);
+    unreadable.thread.unreadable = {PhotoPath(0), PhotoPath(1)};
+    EXPECT_FALSE(unreadable.window.StartFade()) << "a failed load waits for the next tick";
     ASSERT_TRUE(f.window.LoadNext(f.window.currentBitmap, f.window.currentCaption) &&
                 f.window.StartFade());
     EXPECT_FALSE(f.window.StartFade()) << "a period tick passes a fading window by";
