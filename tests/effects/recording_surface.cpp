@@ -49,7 +49,6 @@ public:
     EndDrawResult EndDraw() override {
         RecordDraw(Op::EndDraw);
         Expect(opacities.empty(), "EndDraw with a layer pushed");
-        opacities.clear();
         drawing = false;
         if (log->endDrawResults.empty()) return EndDrawResult::Ok;
         const EndDrawResult result = log->endDrawResults.front();
