@@ -94,46 +94,6 @@ TEST(CommandLine, DecidesModeHandleAndSilentExits) {
     }
 }
 
-TEST(WindowMessages, ActByModeAndTheMouseDismissesOnce) {
-    using A = MessageAction;
-    namespace M = WindowMessage;
-    // The message, its wParam, the actions in full screen and in a preview.
-    const std::tuple<uint32_t, uint64_t, MessageAction, MessageAction> cases[] = {
-        {M::MouseMove, 0, A::MouseRule, A::Swallow}, {M::Destroy, 0, A::Swallow, A::PostQuit},
-        {M::ActivateApp, 0, A::DismissThenDefault, A::Default},
-        {M::Timer, 2, A::FadeStep, A::FadeStep}, {M::Timer, 1, A::Swallow, A::Swallow},
-        // The low four bits of a system command don't matter; SC_CLOSE is no screen saver.
-        {M::SysCommand, 0xF14F, A::Swallow, A::Default},
-        {M::SysCommand, 0xF060, A::Default, A::Default}};
-    for (const auto& [message, wParam, fullscreen, preview] : cases) {
-        SCOPED_TRACE(testing::Message() << std::hex << message << " " << wParam);
-        EXPECT_EQ(DecideMessage(SaverMode::Fullscreen, message, wParam), fullscreen);
-        EXPECT_EQ(DecideMessage(SaverMode::Preview, message, wParam), preview);
-    }
-
-    // The mouse: the first move records, and nine pixels from there hide every window and quit
-    // once. The moves, and whether they dismiss.
-    const std::pair<std::vector<std::pair<int32_t, int32_t>>, bool> mice[] = {
-        {{{100, 100}, {108, 92}}, false},           // 8 along both
-        {{{100, 100}, {109, 100}, {300, 9}}, true}, // 9 along x, then more
-        {{{100, 100}, {100, 91}}, true},
-        {{{100, 100}, {105, 100}, {110, 100}}, true},                  // drifting adds up
-        {{{-1920, -5}, {-1914, -5}, {-1926, -5}, {-1920, 3}}, false}}; // the record stays put
-    for (const auto& [moves, dismissed] : mice) {
-        FakeWindowThread thread;
-        SaverSession session(SaverMode::Fullscreen, &thread);
-        std::vector<WindowHandle> windows;
-        for (uintptr_t i = 1; i <= 3; ++i) {
-            session.windows.push_back(std::make_unique<ScreenWindow>(&session, 0, 100, 100));
-            windows.push_back(session.windows.back()->hwnd = reinterpret_cast<WindowHandle>(i));
-        }
-        for (const auto& [x, y] : moves) session.MouseMoved(x, y);
-        // A dismissal hides every window, in order, and posts one quit message however often.
-        EXPECT_EQ(thread.hidden, dismissed ? windows : std::vector<WindowHandle>{});
-        EXPECT_EQ(thread.messages.size(), dismissed ? 1u : 0u);
-    }
-}
-
 // The two ways a session draws: the render loop and the Direct2D start against a scripted window
 // thread and recording targets, and the crossfade's timing, alpha, captions, loads and fades.
 using Op = SurfaceCall::Op;
@@ -182,6 +142,42 @@ struct Loop {
         });
     }
 };
+
+TEST(WindowMessages, ActByModeAndTheMouseDismissesOnce) {
+    using A = MessageAction;
+    namespace M = WindowMessage;
+    // The message, its wParam, the actions in full screen and in a preview.
+    const std::tuple<uint32_t, uint64_t, MessageAction, MessageAction> cases[] = {
+        {M::MouseMove, 0, A::MouseRule, A::Swallow}, {M::Destroy, 0, A::Swallow, A::PostQuit},
+        {M::ActivateApp, 0, A::DismissThenDefault, A::Default},
+        {M::Timer, 2, A::FadeStep, A::FadeStep}, {M::Timer, 1, A::Swallow, A::Swallow},
+        // The low four bits of a system command don't matter; SC_CLOSE is no screen saver.
+        {M::SysCommand, 0xF14F, A::Swallow, A::Default},
+        {M::SysCommand, 0xF060, A::Default, A::Default}};
+    for (const auto& [message, wParam, fullscreen, preview] : cases) {
+        SCOPED_TRACE(testing::Message() << std::hex << message << " " << wParam);
+        EXPECT_EQ(DecideMessage(SaverMode::Fullscreen, message, wParam), fullscreen);
+        EXPECT_EQ(DecideMessage(SaverMode::Preview, message, wParam), preview);
+    }
+
+    // The mouse: the first move records, and nine pixels from there hide every window and quit
+    // once. The moves, and whether they dismiss.
+    const std::pair<std::vector<std::pair<int32_t, int32_t>>, bool> mice[] = {
+        {{{100, 100}, {108, 92}}, false},           // 8 along both
+        {{{100, 100}, {109, 100}, {300, 9}}, true}, // 9 along x, then more
+        {{{100, 100}, {100, 91}}, true},
+        {{{100, 100}, {105, 100}, {110, 100}}, true},                  // drifting adds up
+        {{{-1920, -5}, {-1914, -5}, {-1926, -5}, {-1920, 3}}, false}}; // the record stays put
+    for (const auto& [moves, dismissed] : mice) {
+        Loop loop(3);
+        std::vector<WindowHandle> windows;
+        for (const auto& window : loop.session.windows) windows.push_back(window->hwnd);
+        for (const auto& [x, y] : moves) loop.session.MouseMoved(x, y);
+        // A dismissal hides every window, in order, and posts one quit message however often.
+        EXPECT_EQ(loop.thread.hidden, dismissed ? windows : std::vector<WindowHandle>{});
+        EXPECT_EQ(loop.thread.messages.size(), dismissed ? 1u : 0u);
+    }
+}
 
 TEST(RenderLoop, WindowsDrawTheirCanvasAtThePassTimeShortPassesWaitAndLostTargetsAreRemade) {
     // Each frame takes `work`: a pass of 7.9 ms waits for 8 more, one of 8 ms runs straight on.
