@@ -262,13 +262,13 @@ std::wstring Loaded(const PlatformObject& bitmap) {
     return bitmap ? *static_cast<std::wstring*>(bitmap.get()) : L"";
 }
 
-struct Fixture {
-    FakeWindowThread thread;
-    SaverSession session{SaverMode::Fullscreen, &thread};
-    ScreenWindow window{&session, 0, 1920, 1080};
-    explicit Fixture(size_t photos) {
+// The one window of a session of the first `photos` photos.
+struct Fixture : Loop {
+    explicit Fixture(size_t photos) : Loop(1), window(*session.windows[0]) {
+        session.photos.clear();
         for (size_t n = 0; n < photos; ++n) session.photos.push_back(PhotoPath(n));
     }
+    ScreenWindow& window;
 };
 
 TEST(Crossfade, LoadTriesTenPhotosEachOnceAndTheFadeSwitchesCaptionAtStep51) {
