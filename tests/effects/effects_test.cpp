@@ -8,6 +8,7 @@
 #include <map>
 
 #include "effects/effect.h"
+#include "effects/painting.h"
 #include "effects/recording_surface.h"
 #include "effects/timing.h"
 #include "photos/fake_image_files.h"
@@ -215,13 +216,10 @@ TEST(Reflections, CompositeFramesThePhotoAndMirrorsOnlyThePhotoOncePerPhoto) {
     ASSERT_EQ(gradient.stops.size(), 3u);
     for (size_t i = 0; i < 3; ++i) EXPECT_EQ(gradient.stops[i].color, (ColorF{1, 1, 1, alphas[i]}));
     EXPECT_EQ(of(Op::Clear).at(0).color, (ColorF{0, 0, 0, 0})); // transparent around
-    const auto pushes = of(Op::PushLayer);
-    ASSERT_EQ(pushes.size(), 1u);
+    const auto pushes = of(Op::PushLayer), titles = of(Op::DrawString);
+    ASSERT_TRUE(pushes.size() == 1 && titles.size() == 1);
     EXPECT_TRUE(pushes[0].object == gradient.object && pushes[0].opacity == 1);
-    const auto titles = of(Op::DrawString);
-    ASSERT_EQ(titles.size(), 1u);
-    EXPECT_EQ(titles[0].text, L"Alpha");
-    EXPECT_EQ(titles[0].rect, (RectF{0, 324, 640, 374}));
+    EXPECT_TRUE(titles[0].text == L"Alpha" && titles[0].rect == (RectF{0, 324, 640, 374}));
     EXPECT_EQ(of(Op::CreateSolidColorBrush).back().color, (ColorF{1, 1, 1, 0.8f}));
     RunJobs(rig.queue);
     rig.Frame(10 + 7200); // the next photo takes the stage, and gets a picture of its own
@@ -312,6 +310,48 @@ TEST(FourUp, StartsFourSecondsApartInTwoColumnsWithTheBottomRowUnderTheTallerTop
         EXPECT_EQ(rig.Draws(13400).at(2).rect.left, column);
         EXPECT_EQ(rig.Draws(13401).back().rect.top, bottom);
     }
+}
+
+// The shared curves, holds and shadow against their reference numbers (the opacity timeline is
+// checked through the Fader's).
+TEST(Curves, MatchTheReferenceValuesAndClampHoldsFollowTheirColumnAndShadowsBlur) {
+    const struct {
+        double (*curve)(double);
+        double at25, at75;
+    } cases[] = {
+        {Ease, 0.408511, 0.960459}, {EaseIn, 0.093465, 0.621862}, {EaseOut, 0.378138, 0.906535}};
+    for (const auto& c : cases) {
+        EXPECT_NEAR(c.curve(0.25), c.at25, 1e-6);
+        EXPECT_NEAR(c.curve(0.75), c.at75, 1e-6);
+        EXPECT_EQ(c.curve(7.0), 1.0); // exactly, so that tests against 1.0 fire
+        EXPECT_EQ(c.curve(-3.0), c.curve(0.0));
+    }
+    EXPECT_NEAR(Ease(0), 2.79e-10, 0.01e-10); // thirty halvings end just above 0, at 2^-30
+
+    // The holds: index, then the seconds of Fader, Slider, Reflections and Faller; Panner; FourUp.
+    // clang-format off
+    const int32_t rows[][4] = {{-1, 3, 3, 6}, {0, 3, 3, 6}, {1, 5, 5, 10}, {2, 10, 10, 20},
+                               {3, 20, 15, 40}, {4, 30, 20, 60}, {5, 60, 60, 120}, {9, 60, 60, 120}};
+    // clang-format on
+    for (const auto& [index, fader, panner, fourUp] : rows) {
+        for (const EffectKind kind :
+             {EffectKind::Fader, EffectKind::Slider, EffectKind::Reflections, EffectKind::Faller})
+            EXPECT_EQ(HoldSeconds(kind, index), fader) << index;
+        EXPECT_EQ(HoldSeconds(EffectKind::Panner, index), panner) << index;
+        EXPECT_EQ(HoldSeconds(EffectKind::FourUp, index), fourUp) << index;
+    }
+
+    // The shadow is a Gaussian blur of the rectangle at reduced resolution.
+    Shadow shadow;
+    BuildShadow(300, 200, 50, 0.65f, shadow);
+    EXPECT_EQ(shadow.pad, 75.0f);
+    ASSERT_EQ(shadow.image.width * shadow.image.height, 113 * 88);
+    const auto pixel = [&](int i, int j) { return shadow.image.pixels[size_t(j * 113 + i)]; };
+    EXPECT_EQ(pixel(56, 44), 166u << 24); // black at the middle
+    EXPECT_EQ(pixel(0, 0) | pixel(112, 87), 0u);
+    EXPECT_NEAR(pixel(18, 44) >> 24, 166 / 2, 4); // half strength where the rectangle begins
+    BuildShadow(10, 10, 0, 1.0f, shadow);         // no size: sigma 1
+    EXPECT_EQ(shadow.image.width, 4);             // ceil(16 / 4)
 }
 
 } // namespace

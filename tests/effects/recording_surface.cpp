@@ -49,7 +49,6 @@ public:
     EndDrawResult EndDraw() override {
         RecordDraw(Op::EndDraw);
         Expect(opacities.empty(), "EndDraw with a layer pushed");
-        opacities.clear();
         drawing = false;
         if (log->endDrawResults.empty()) return EndDrawResult::Ok;
         const EndDrawResult result = log->endDrawResults.front();
@@ -137,9 +136,7 @@ private:
         return std::make_unique<Recorded>(log, call.object, id, count);
     }
     void Expect(bool ok, const char* what) {
-        if (ok) return;
-        log->misuses.push_back(what);
-        ADD_FAILURE() << "recording target " << id << ": " << what;
+        if (!ok) ADD_FAILURE() << "recording target " << id << ": " << what;
     }
 
     static inline int uncounted = 0;
@@ -161,11 +158,5 @@ std::vector<SurfaceCall> SurfaceLog::Calls(Op op, int target) const {
     std::vector<SurfaceCall> result;
     for (const auto& call : calls)
         if (call.op == op && (target == 0 || call.target == target)) result.push_back(call);
-    return result;
-}
-
-std::vector<Op> SurfaceLog::Ops() const {
-    std::vector<Op> result;
-    for (const auto& call : calls) result.push_back(call.op);
     return result;
 }

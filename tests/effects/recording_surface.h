@@ -57,7 +57,6 @@ struct SurfaceCall {
 
 struct SurfaceLog {
     std::vector<SurfaceCall> calls;
-    std::vector<std::string> misuses; // also reported to the running test as failures
 
     // Knobs. Every CreateBitmap, CreateLayer, brush and format whose op is in `failing` is null.
     std::set<SurfaceCall::Op> failing;
@@ -67,9 +66,8 @@ struct SurfaceLog {
     int bitmapsAlive = 0, layersAlive = 0, targetsAlive = 0; // targets: window and offscreen
     int nextId = 1;                                          // numbers targets and objects alike
 
-    // The calls of one op, of every target or only of `target`; all ops in order.
+    // The calls of one op, of every target or only of `target`.
     std::vector<SurfaceCall> Calls(SurfaceCall::Op op, int target = 0) const;
-    std::vector<SurfaceCall::Op> Ops() const;
 };
 
 // A window target recording into `log`. Offscreen targets made from it record there too.

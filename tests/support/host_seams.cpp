@@ -16,7 +16,6 @@
 namespace {
 
 uint32_t nextRandom = 0;
-uint32_t randomsDrawn = 0;
 
 const FakeImage* Open(const std::wstring& path) {
     FakeImageFiles& fake = FakeFiles();
@@ -27,13 +26,9 @@ const FakeImage* Open(const std::wstring& path) {
 
 } // namespace
 
-// Consecutive numbers from the one the test set, counted.
-uint32_t RandomU32() {
-    ++randomsDrawn;
-    return nextRandom++;
-}
+// Consecutive numbers from the one the test set.
+uint32_t RandomU32() { return nextRandom++; }
 void SetNextRandom(uint32_t value) { nextRandom = value; }
-uint32_t RandomDrawCount() { return randomsDrawn; }
 
 std::unique_ptr<SettingsKey> OpenSettingsKey(KeyAccess access) {
     return TestRegistry().OpenKey(access);
