@@ -62,7 +62,7 @@ TEST(JsonReader, DocumentsParseByTheRulesAndStringsKeepTheirEscapes) {
     EXPECT_FALSE(JsonValue::Parse(std::string(66, '[') + std::string(66, ']'), value));
     for (const char* text :
          {"{} x", "\xEF\xBB\xBF{}", "{\"a\":1,}", "[1,]", "{\"a\" 1}", "{\"a\":1 \"b\":2}",
-          "{\"a\":1", "[1", "truex", "-", "\"\\q\"", "\"\\u12\"", "\"abc", ""})
+          "{\"a\":1", "{\"a\":\"x", "[1", "truex", "-", "\"\\q\"", "\"\\u12\"", "\"abc", ""})
         EXPECT_FALSE(JsonValue::Parse(text, value)) << text;
     ASSERT_TRUE(JsonValue::Parse(R"({"k":"A","n":-1.5e2,"k":"B"})", value));
     EXPECT_EQ(value.GetString("k", "-"), "A"); // the first of equal keys

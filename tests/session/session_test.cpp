@@ -164,7 +164,7 @@ TEST(WindowMessages, ActByModeAndTheMouseDismissesOnce) {
     // once. The moves, and whether they dismiss.
     const std::pair<std::vector<std::pair<int32_t, int32_t>>, bool> mice[] = {
         {{{100, 100}, {108, 92}}, false},           // 8 along both
-        {{{100, 100}, {109, 100}, {300, 9}}, true}, // 9 along x, then more
+        {{{100, 100}, {109, 100}, {109, 100}}, true}, // 9 along x, then again
         {{{100, 100}, {100, 91}}, true},
         {{{100, 100}, {105, 100}, {110, 100}}, true},                  // drifting adds up
         {{{-1920, -5}, {-1914, -5}, {-1926, -5}, {-1920, 3}}, false}}; // the record stays put
@@ -316,8 +316,13 @@ TEST(Crossfade, LoadTriesTenPhotosEachOnceAndTheFadeSwitchesCaptionAtStep51) {
     for (auto [step, alpha] : {std::pair{0, 0}, {1, 2}, {50, 127}, {100, 255}, {101, 255}})
         EXPECT_EQ(FadeAlpha(step), alpha) << step;
     // The caption's place on a monitor is seen end to end; a preview's pane sets larger text.
-    for (auto [height, font] : {std::pair{100, 12}, {240, 20}})
-        EXPECT_EQ(LayOutCaption(SaverMode::Preview, 320, height).fontHeight, font);
+    // Its shadow lies 2 pixels right of and below the text.
+    for (auto [height, font] : {std::pair{100, 12}, {240, 20}}) {
+        const CaptionLayout caption = LayOutCaption(SaverMode::Preview, 320, height);
+        EXPECT_EQ(caption.fontHeight, font);
+        EXPECT_TRUE(caption.shadow.left == caption.text.left + 2 &&
+                    caption.shadow.bottom == caption.text.bottom + 2);
+    }
 }
 
 } // namespace
