@@ -220,6 +220,7 @@ TEST(Reflections, CompositeFramesThePhotoAndMirrorsOnlyThePhotoOncePerPhoto) {
     ASSERT_TRUE(pushes.size() == 1 && titles.size() == 1);
     EXPECT_TRUE(pushes[0].object == gradient.object && pushes[0].opacity == 1);
     EXPECT_TRUE(titles[0].text == L"Alpha" && titles[0].rect == (RectF{0, 324, 640, 374}));
+    EXPECT_EQ(of(Op::SetParagraphAlignment).at(0).value, int(ParagraphAlignment::Far)); // bottom
     EXPECT_EQ(of(Op::CreateSolidColorBrush).back().color, (ColorF{1, 1, 1, 0.8f}));
     RunJobs(rig.queue);
     rig.Frame(10 + 7200); // the next photo takes the stage, and gets a picture of its own

@@ -21,7 +21,9 @@ struct Recorded final : SurfaceBitmap, SurfaceBrush, SurfaceLayer, TextFormat {
     }
     void SetColor(const ColorF& color) override { Record(Op::SetColor).color = color; }
     void SetTextAlignment(TextAlignment v) override { Record(Op::SetTextAlignment).value = int(v); }
-    void SetParagraphAlignment(ParagraphAlignment) override {}
+    void SetParagraphAlignment(ParagraphAlignment v) override {
+        Record(Op::SetParagraphAlignment).value = int(v);
+    }
     void SetWordWrapping(WordWrapping v) override { Record(Op::SetWordWrapping).value = int(v); }
 
     std::shared_ptr<SurfaceLog> log;

@@ -32,7 +32,7 @@ struct SurfaceCall {
         BeginDraw, Clear, EndDraw, SetTransform, CreateBitmap, CreateSolidColorBrush,
         CreateLinearGradientBrush, CreateLayer, CreateCompatibleRenderTarget, CreateTextFormat,
         DrawBitmap, FillRectangle, DrawString, PushLayer, PopLayer,
-        SetColor, SetTextAlignment, SetWordWrapping // on a brush or a text format
+        SetColor, SetTextAlignment, SetParagraphAlignment, SetWordWrapping // brush, format
     };
     // clang-format on
 
@@ -52,7 +52,7 @@ struct SurfaceCall {
     std::vector<uint32_t> pixels;    // CreateBitmap's copy
     std::wstring text;               // DrawString's
     TextFormatParams font;           // CreateTextFormat's
-    int32_t value = 0;               // the enumerator of SetTextAlignment, SetWordWrapping
+    int32_t value = 0;               // the enumerator of a format's Set... call
 };
 
 struct SurfaceLog {
