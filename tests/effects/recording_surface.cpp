@@ -37,8 +37,8 @@ template <class Base> int IdOf(const Base* object) {
 
 class RecordingSurface final : public DrawingSurface {
 public:
-    RecordingSurface(std::shared_ptr<SurfaceLog> shared, bool isWindow)
-        : log(std::move(shared)), id(log->nextId++), window(isWindow) {
+    explicit RecordingSurface(std::shared_ptr<SurfaceLog> shared)
+        : log(std::move(shared)), id(log->nextId++) {
         ++log->targetsAlive;
     }
     ~RecordingSurface() override { --log->targetsAlive; }
@@ -60,7 +60,7 @@ public:
     void SetTransform(const Matrix3x2F& transform) override {
         Record(Op::SetTransform).transform = current = transform;
     }
-    bool IsOccluded() override { return window && log->occluded; }
+    bool IsOccluded() override { return log->occluded; } // asked of window targets only
     void UseGrayscaleTextAntialiasing() override {}
     uint32_t MaximumBitmapSize() override { return 16384; }
 
@@ -84,7 +84,7 @@ public:
     }
     Own<DrawingSurface> CreateCompatibleRenderTarget(SizeF, uint32_t width,
                                                      uint32_t height) override {
-        auto target = std::make_unique<RecordingSurface>(log, false);
+        auto target = std::make_unique<RecordingSurface>(log);
         Record(Op::CreateCompatibleRenderTarget, {0, 0, float(width), float(height)}).object =
             target->id;
         return target;
@@ -144,7 +144,6 @@ private:
     static inline int uncounted = 0;
     const std::shared_ptr<SurfaceLog> log;
     const int id; // this target's number in the log
-    const bool window;
     bool drawing = false;
     std::vector<float> opacities; // of the layers pushed and not yet popped, innermost last
     Matrix3x2F current;           // the transform in force
@@ -153,7 +152,7 @@ private:
 } // namespace
 
 Own<DrawingSurface> MakeRecordingSurface(std::shared_ptr<SurfaceLog> log) {
-    return std::make_unique<RecordingSurface>(std::move(log), true);
+    return std::make_unique<RecordingSurface>(std::move(log));
 }
 
 std::vector<SurfaceCall> SurfaceLog::Calls(Op op, int target) const {
