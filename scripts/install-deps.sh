@@ -19,6 +19,8 @@ want wine64
 want xvfb
 want xserver-xephyr
 want xauth
+# finds the saver's windows and moves the mouse in the full-screen runs of scripts/wine-env.sh
+want xdotool
 want libgl1-mesa-dri
 want fonts-dejavu-core
 # NSIS, which builds the Windows installer (the installer target of the Windows build)

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Shows Lumivane running: builds Lumivane.scr, starts it full-screen (/s) under Wine, saves a few
-# screenshots over some seconds, then ends it with a key press and stops what it started.
+# screenshots of the whole display over some seconds, then ends it with a mouse move and stops
+# what it started.
 #
 #   scripts/run.sh [--show <presentation>|message|crossfade] [screenshot-folder]
 #                                                            (default folder: ./screenshots)
@@ -35,13 +36,13 @@ SHOTS_DIR="${1:-$PWD/screenshots}"
 mkdir -p "$SHOTS_DIR"
 SHOTS_DIR="$(cd "$SHOTS_DIR" && pwd)"
 
-bash "$ROOT/scripts/install-deps.sh" mate-backgrounds </dev/null
+bash "$ROOT/scripts/install-deps.sh" mate-backgrounds imagemagick </dev/null
 
 echo "run.sh: building Lumivane.scr"
 cmake -S "$ROOT" -B "$ROOT/build/win" -G Ninja \
   -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake" -DCMAKE_BUILD_TYPE=Release \
   -DLUMIVANE_TESTS=ON >/dev/null
-cmake --build "$ROOT/build/win" --target Lumivane lumivane_e2e
+cmake --build "$ROOT/build/win" --target Lumivane
 
 export LUMIVANE_BUILD_DIR="$ROOT/build"
 # shellcheck source=scripts/wine-env.sh
@@ -51,8 +52,6 @@ if [ "${LUMIVANE_VIRTUAL_DISPLAY:-0}" = 1 ]; then
 else
   lumivane_wine_start own-display
 fi
-
-windows_path() { echo "Z:${1//\//\\}"; }
 
 pause="${LUMIVANE_PAUSE:-}"
 case "$SHOW" in
@@ -96,16 +95,15 @@ case "$SHOW" in
 esac
 
 rm -f "$SHOTS_DIR"/shot-*.png
+for option in "SaverShow=$saver_show" "SaverPause=$pause" "ImportsDir=$imports" \
+  "Language=${LUMIVANE_LANGUAGE:-}"; do
+  lumivane_wine reg add 'HKCU\Software\LumivaneW' /v "${option%%=*}" /d "${option#*=}" /f \
+    >/dev/null 2>&1
+done
 echo "run.sh: running Lumivane.scr /s ($SHOW) on $DISPLAY"
-# The end-to-end driver sets the options, starts the saver, takes the screenshots with GDI, and
-# ends the run with a key press, as a user would.
-(cd "$ROOT/build/win/tests" &&
-  "$LUMIVANE_WINE64" ./lumivane_e2e.exe \
-    --scr "$(windows_path "$ROOT/build/win/Lumivane.scr")" \
-    --set "SaverShow=$saver_show" --set "SaverPause=$pause" --set "ImportsDir=$imports" \
-    --set "Language=${LUMIVANE_LANGUAGE:-}" \
-    --capture "$(windows_path "$SHOTS_DIR")" \
-    --shots "${LUMIVANE_SHOTS:-4}" --interval "${LUMIVANE_SHOT_INTERVAL_MS:-2000}" </dev/null)
+# The run ends with a mouse move, as a user would end it.
+lumivane_run_saver "$ROOT/build/win/Lumivane.scr" "$SHOTS_DIR" "${LUMIVANE_SHOTS:-4}" \
+  "${LUMIVANE_SHOT_INTERVAL_MS:-2000}"
 
 echo "run.sh: screenshots in $SHOTS_DIR:"
 ls -1 "$SHOTS_DIR"/shot-*.png | sed 's/^/  /'

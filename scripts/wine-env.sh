@@ -173,3 +173,50 @@ lumivane_wine_start() {
   LUMIVANE_WINE_STARTED=1
   lumivane_prepare_prefix
 }
+
+# lumivane_run_saver SAVER [FOLDER SHOTS INTERVAL_MS]: one full-screen run of SAVER (a Unix or a
+# Windows path) as a user meets it: starts "SAVER /s", waits until its windows show, saves SHOTS
+# screenshots of the whole display into FOLDER as shot-1.png, shot-2.png, ..., the first
+# INTERVAL_MS after the windows showed and each next one INTERVAL_MS later, then ends the run as a
+# user would, with a mouse move. Succeeds only when the windows showed, every screenshot was saved
+# and the saver ended with exit code 0. Needs xdotool, and ImageMagick for screenshots. Wine names
+# the X class of every window of a program after its file, so the windows are found by that name.
+lumivane_run_saver() {
+  local saver="$1" folder="${2:-}" shots="${3:-0}" interval="${4:-2000}"
+  local class="${saver##*[\\/]}" pid shot i ok=0
+  class="${class,,}"
+  "$LUMIVANE_WINE64" "$saver" /s &
+  pid=$!
+  # Wine starts a program in about a second; a loaded machine gets 20.
+  for i in $(seq 200); do
+    if [ -n "$(xdotool search --onlyvisible --classname "^${class//./\\.}\$" 2>/dev/null)" ]; then
+      ok=1
+      break
+    fi
+    kill -0 "$pid" 2>/dev/null || break
+    sleep 0.1
+  done
+  if [ "$ok" != 1 ]; then
+    lumivane_log "$saver /s showed no window"
+    shots=0
+  fi
+  for shot in $(seq "$shots"); do
+    sleep "$(awk -v ms="$interval" 'BEGIN { print ms / 1000 }')"
+    import -window root "$folder/shot-$shot.png" || ok=0
+  done
+  # Three moves of more than 8 pixels: the saver takes its first move as the resting place only.
+  for i in 300 340 400; do
+    xdotool mousemove "$i" 300
+    sleep 0.2
+  done
+  for i in $(seq 100); do
+    kill -0 "$pid" 2>/dev/null || break
+    sleep 0.1
+  done
+  if kill -0 "$pid" 2>/dev/null; then
+    lumivane_log "$saver /s still runs 10 s after a mouse move"
+    kill "$pid"
+  fi
+  wait "$pid" || ok=0
+  [ "$ok" = 1 ]
+}

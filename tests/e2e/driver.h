@@ -12,8 +12,6 @@
 #include <string>
 #include <vector>
 
-#include "support/wic_image_writer.h"
-
 namespace e2e {
 
 // Time-outs, generous for a loaded machine: a run under Wine starts in about a second. A saver that
@@ -58,12 +56,6 @@ inline std::wstring FreshFolder(const std::filesystem::path& name) {
 }
 
 // ---- input; the harness's desktop starts at 0,0, with its two monitors side by side ----
-
-inline void PressKey(BYTE key) {
-    const BYTE scan = static_cast<BYTE>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC));
-    keybd_event(key, scan, 0, 0);
-    keybd_event(key, scan, KEYEVENTF_KEYUP, 0);
-}
 
 // An absolute move to (x, y); true once the cursor is there. Then, with `downFlag`
 // (MOUSEEVENTF_LEFTDOWN, ...), a press and release of its button there. Absolute coordinates are in
@@ -111,11 +103,6 @@ struct Image {
         ReleaseDC(nullptr, screen);
     }
     uint32_t At(int x, int y) const { return pixels[size_t(y) * width + x]; }
-    bool SavePng(const std::wstring& path) const {
-        return !pixels.empty() &&
-               WriteWicImage(path, GUID_ContainerFormatPng, GUID_WICPixelFormat32bppBGR, width,
-                             height, width * 4u, pixels.data());
-    }
 };
 
 inline std::vector<RECT> MonitorRects() {

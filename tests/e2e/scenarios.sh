@@ -1,8 +1,8 @@
 # End-to-end scenarios that are steps of a user or an administrator rather than input to one run:
-# they copy files, edit the registry and start the end-to-end driver's capture mode, which starts
-# "<saver> /s", waits for its windows, and ends the run with a key (exit code 0 only if the run
-# ended on it). Sourced by scripts/test.sh after scripts/wine-env.sh; each scenario prints what
-# went wrong and returns non-zero on failure.
+# they copy files, edit the registry and run the saver full screen with lumivane_run_saver of
+# scripts/wine-env.sh, which starts "<saver> /s", waits for its windows and ends the run with a
+# mouse move (it succeeds only if the run then ends with exit code 0). Sourced by scripts/test.sh
+# after scripts/wine-env.sh; each scenario prints what went wrong and returns non-zero on failure.
 
 LUMIVANE_E2E_DIR="$LUMIVANE_ROOT/build/win/tests"
 LUMIVANE_PHOTO="$LUMIVANE_ROOT/tests/data/photo.jpg"
@@ -29,18 +29,10 @@ scenario_photos() {
     lumivane_wine reg add 'HKCU\Software\LumivaneW' /v ImportsDir /d "$2" /f >/dev/null 2>&1
 }
 
-# scenario_run_saver WINDOWS-PATH-OF-SAVER: one full-screen run that opens its windows and ends
-# on a key. Wine's messages go to the standard error.
-scenario_run_saver() {
-  (cd "$LUMIVANE_E2E_DIR" &&
-    "$LUMIVANE_WINE64" ./lumivane_e2e.exe --scr "$1" --capture 'C:\lumivane-shots' --shots 1 \
-      --interval 1500 </dev/null)
-}
-
-# scenario_run_saver with the loader's trace in $2 and native copies of d3d10_1 preferred.
+# lumivane_run_saver with the loader's trace in $2 and native copies of d3d10_1 preferred.
 planted_dll_run() {
   WINEDEBUG=-all,+loaddll WINEDLLOVERRIDES="$WINEDLLOVERRIDES;d3d10_1=n,b" \
-    scenario_run_saver "$1" 2>"$2"
+    lumivane_run_saver "$1" 2>"$2"
 }
 
 # A user keeps the saver in Downloads, beside a DLL named like one that Direct2D loads (Wine's
@@ -57,7 +49,7 @@ scenario_planted_dll() {
     scenario_photos "$folder/photos" 'C:\lumivane-planted\photos' || return 1
   trace="$(mktemp)"
   # The loader's trace names every library that a process loads, with the path it came from.
-  scenario_check "the saver opens its windows and ends on a key" \
+  scenario_check "the saver opens its windows and ends on a mouse move" \
     planted_dll_run 'C:\lumivane-planted\Lumivane.scr' "$trace"
   # Direct2D loaded, and drawing: Wine's Direct2D makes its Direct3D device through wined3d.
   scenario_check "the run takes the Direct2D path" \
@@ -157,8 +149,8 @@ EOT
     test "${selected,,}" = "${win_folder,,}\\lumivane.scr"
   scenario_check "the screen saver is on" test "$(scenario_reg_value "$desktop" ScreenSaveActive)" = 1
 
-  scenario_check "the installed saver opens its windows and ends on a key" \
-    scenario_run_saver "$win_folder\\Lumivane.scr" 2>/dev/null
+  scenario_check "the installed saver opens its windows and ends on a mouse move" \
+    lumivane_run_saver "$win_folder\\Lumivane.scr" 2>/dev/null
 
   lumivane_wine "$folder/Uninstall.exe" /S && scenario_wait_for_prefix
   scenario_check "the silent uninstall removes the folder" test ! -e "$folder"

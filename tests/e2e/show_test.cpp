@@ -3,6 +3,7 @@
 // composes layers at full strength (PushLayer is a stub), so the show's pixels are judged only once
 // a photo shows in its own colour, which under a real fade happens too.
 #include "e2e/driver.h"
+#include "support/wic_image_writer.h"
 
 namespace e2e {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-// Writes test pictures through WIC; shared by the Windows tests, the driver and the benchmark.
+// Writes test pictures through WIC: the photos of the end-to-end show.
 #include <windows.h>
 
 #include <objbase.h>
