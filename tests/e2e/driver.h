@@ -37,8 +37,7 @@ inline std::wstring BesideDriver(const std::wstring& name) {
     return path.substr(0, path.rfind(L'\\') + 1) + name;
 }
 
-// Lumivane.scr: `--scr <path>` of the driver, else LUMIVANE_SCR, else one folder above the driver
-// (main sets it).
+// Lumivane.scr: LUMIVANE_SCR, else one folder above the driver (main sets it).
 inline std::wstring saverPath = BesideDriver(L"..\\Lumivane.scr");
 
 // A string option of the saver; the key is made when it is missing.

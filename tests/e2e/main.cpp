@@ -1,7 +1,7 @@
-// The end-to-end driver. Without options it runs the scenarios (all GoogleTest flags apply);
-//   --scr <path>   the saver to drive (else LUMIVANE_SCR, else one folder above the driver)
-//   --settings     no tests: stands in for the companion program, Lumivane.exe: writes its
-//                  command line into started.txt beside itself and ends
+// The end-to-end driver: runs the scenarios (all GoogleTest flags apply) against the saver that
+// LUMIVANE_SCR names, else Lumivane.scr one folder above the driver. Started with --settings alone
+// it runs no tests and stands in for the companion program, Lumivane.exe: it writes its command
+// line into started.txt beside itself and ends.
 #include "e2e/driver.h"
 
 #include <objbase.h>
@@ -9,7 +9,7 @@
 
 #include <cstdio>
 
-// Our own main instead of gtest_main's, for the options above.
+// Our own main instead of gtest_main's, for the companion's part and the COM apartment.
 int main() {
     using namespace e2e;
     int argc = 0;
@@ -20,13 +20,7 @@ int main() {
         return written && std::fclose(file) == 0 ? 0 : 1;
     }
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); // for WIC
-    ::testing::InitGoogleTest(&argc, argv);            // takes the --gtest_ options out of argv
+    ::testing::InitGoogleTest(&argc, argv);
     if (const wchar_t* scr = _wgetenv(L"LUMIVANE_SCR"); scr && *scr) saverPath = scr;
-    if (argc == 3 && std::wstring(argv[1]) == L"--scr") {
-        saverPath = argv[2];
-    } else if (argc != 1) {
-        std::fprintf(stderr, "can't use the options\n");
-        return 2;
-    }
     return RUN_ALL_TESTS();
 }
