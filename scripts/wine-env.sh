@@ -204,17 +204,15 @@ lumivane_run_saver() {
     sleep "$(awk -v ms="$interval" 'BEGIN { print ms / 1000 }')"
     import -window root "$folder/shot-$shot.png" || ok=0
   done
-  # Three moves of more than 8 pixels: the saver takes its first move as the resting place only.
-  for i in 300 340 400; do
-    xdotool mousemove "$i" 300
+  # The saver takes its first move as its resting place only, and Wine may merge moves that come
+  # quickly: move to and fro, 100 pixels apart, until the run ends (at most 10 s).
+  for i in $(seq 50); do
+    kill -0 "$pid" 2>/dev/null || break
+    xdotool mousemove $((300 + 100 * (i % 2))) 300
     sleep 0.2
   done
-  for i in $(seq 100); do
-    kill -0 "$pid" 2>/dev/null || break
-    sleep 0.1
-  done
   if kill -0 "$pid" 2>/dev/null; then
-    lumivane_log "$saver /s still runs 10 s after a mouse move"
+    lumivane_log "$saver /s still runs after 10 s of mouse moves"
     kill "$pid"
   fi
   wait "$pid" || ok=0
