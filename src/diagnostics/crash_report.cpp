@@ -133,6 +133,7 @@ void FormatReportFileName(wchar_t* name, size_t size, const wchar_t* crashDir, u
 
     size_t length = 0;
     for (; crashDir[0] && length + 1 < size; ++crashDir) name[length++] = *crashDir;
-    for (const char* c = tail; *c && length + 1 < size; ++c) name[length++] = static_cast<wchar_t>(*c);
+    for (const char* c = tail; *c && length + 1 < size; ++c)
+        name[length++] = static_cast<wchar_t>(*c);
     name[length] = L'\0';
 }

@@ -10,10 +10,10 @@
 inline constexpr char kReportVersion[] = "6.2.4";
 
 // Sizes of the fixed buffers.
-inline constexpr size_t kReportBufferSize = 12288;   // text of at most 12,287 bytes and a zero
-inline constexpr size_t kReportFileNameSize = 324;   // wide characters
-inline constexpr size_t kIdentifierSize = 37;        // 36 characters and a zero
-inline constexpr size_t kModuleNameSize = 780;       // UTF-8 module name: 779 bytes and a zero
+inline constexpr size_t kReportBufferSize = 12288; // text of at most 12,287 bytes and a zero
+inline constexpr size_t kReportFileNameSize = 324; // wide characters
+inline constexpr size_t kIdentifierSize = 37;      // 36 characters and a zero
+inline constexpr size_t kModuleNameSize = 780;     // UTF-8 module name: 779 bytes and a zero
 
 // A write position and the end of a text buffer. `end` is the buffer's last byte, kept for the
 // zero: appends stop silently there, also in the middle of a line, and always leave a zero at

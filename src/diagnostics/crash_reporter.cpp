@@ -6,7 +6,9 @@
 
 void FormatAccessDetail(char (&detail)[kDetailSize], uint64_t operation, uint64_t address) {
     TextCursor cursor = CursorOver(detail, kDetailSize);
-    AppendText(cursor, operation == 0 ? "reading 0x" : operation == 1 ? "writing 0x" : "executing 0x");
+    AppendText(cursor, operation == 0   ? "reading 0x"
+                       : operation == 1 ? "writing 0x"
+                                        : "executing 0x");
     AppendHex(cursor, address, 16);
 }
 

@@ -109,9 +109,8 @@ public:
     virtual std::unique_ptr<SurfaceLayer> CreateLayer() = 0;
     // An offscreen target of `size` units and `pixelWidth` x `pixelHeight` pixels in the format
     // of CreateBitmap, whose result GetBitmap hands to this surface; null on failure.
-    virtual std::unique_ptr<DrawingSurface> CreateCompatibleRenderTarget(SizeF size,
-                                                                         uint32_t pixelWidth,
-                                                                         uint32_t pixelHeight) = 0;
+    virtual std::unique_ptr<DrawingSurface>
+    CreateCompatibleRenderTarget(SizeF size, uint32_t pixelWidth, uint32_t pixelHeight) = 0;
     // The picture of an offscreen target as a bitmap of its parent; null for a window target.
     virtual std::unique_ptr<SurfaceBitmap> GetBitmap() = 0;
     // A text format from the DirectWrite factory of the run, with no collection and an empty
@@ -128,7 +127,8 @@ public:
                             const RectF& rectangle, const SurfaceBrush& brush) = 0;
     // Composes what follows at `opacity` (times the alpha of `opacityBrush` when given), with
     // infinite bounds, no geometry and an identity mask transform, until PopLayer.
-    virtual void PushLayer(SurfaceLayer& layer, float opacity, const SurfaceBrush* opacityBrush) = 0;
+    virtual void PushLayer(SurfaceLayer& layer, float opacity,
+                           const SurfaceBrush* opacityBrush) = 0;
     virtual void PopLayer() = 0;
 };
 

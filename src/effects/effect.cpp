@@ -3,8 +3,8 @@
 #include "effects/faller_effect.h"
 #include "effects/four_up_effect.h"
 #include "effects/single_effect.h"
-#include "photos/photo_source.h"
 #include "library/random.h"
+#include "photos/photo_source.h"
 
 EffectKind ParseEffectKind(const std::wstring& text) {
     // Exact, case-sensitive comparisons: "Random" and "KBER" are Fader.

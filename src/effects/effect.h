@@ -14,8 +14,8 @@ struct Canvas {
     const DrawingFactories* factories = nullptr; // the run's factory pair
     float width = 0;                             // pixels
     float height = 0;
-    float scale = 1;                             // pixels per design unit
-    SurfaceLayer* layer = nullptr;               // the window's one layer, or null
+    float scale = 1;               // pixels per design unit
+    SurfaceLayer* layer = nullptr; // the window's one layer, or null
 };
 
 // The options that every effect of a run gets by value.

@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "effects/timing.h"
-#include "photos/photo_source.h"
 #include "library/random.h"
+#include "photos/photo_source.h"
 
 namespace {
 
@@ -102,7 +102,7 @@ void FallerEffect::PlacePrint(const Canvas& canvas, int index, double duration) 
     print.x = best / 100;
     const double side = Unit() < 0.5 ? 1.0 : -1.0;
     print.rotationStart = static_cast<float>((Unit() * 2.5 + 1.5) * side); // 1.5 to 4 degrees
-    print.rotationEnd = static_cast<float>((Unit() * 2.5 + 1.0) * -side); // 1 to 3.5, other way
+    print.rotationEnd = static_cast<float>((Unit() * 2.5 + 1.0) * -side);  // 1 to 3.5, other way
     print.border = std::min(std::max(canvas.width * 0.0045f, 4 * canvas.scale), 10 * canvas.scale);
     const float paper = 2 * print.border;
     BuildShadow(static_cast<float>(print.slot.current.width) + paper,

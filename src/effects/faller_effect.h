@@ -42,6 +42,6 @@ private:
     void DrawPrint(const Canvas& canvas, Print& print, double elapsed);
 
     PhotoSource* source;
-    Print prints[4];        // drawn in index order, so the last lies on top
+    Print prints[4];         // drawn in index order, so the last lies on top
     double startedAt = -1.0; // when the show opened; negative while it waits for its first photos
 };

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "effects/timing.h"
-#include "photos/photo_source.h"
 #include "library/random.h"
+#include "photos/photo_source.h"
 
 FourUpEffect::FourUpEffect(int32_t index, PhotoSource& photoSource)
     : pauseIndex(index), source(&photoSource) {}

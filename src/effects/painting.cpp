@@ -4,8 +4,8 @@
 #include <cmath>
 
 Matrix3x2F MultiplyTransforms(const Matrix3x2F& a, const Matrix3x2F& b) {
-    return Matrix3x2F{a.m11 * b.m11 + a.m12 * b.m21,         a.m11 * b.m12 + a.m12 * b.m22,
-                      a.m21 * b.m11 + a.m22 * b.m21,         a.m21 * b.m12 + a.m22 * b.m22,
+    return Matrix3x2F{a.m11 * b.m11 + a.m12 * b.m21,      a.m11 * b.m12 + a.m12 * b.m22,
+                      a.m21 * b.m11 + a.m22 * b.m21,      a.m21 * b.m12 + a.m22 * b.m22,
                       a.dx * b.m11 + a.dy * b.m21 + b.dx, a.dx * b.m12 + a.dy * b.m22 + b.dy};
 }
 
@@ -35,16 +35,18 @@ double Coverage(double x, double length, double k) {
 
 void FillVerticalGradient(const Canvas& canvas, uint32_t top, uint32_t bottom) {
     const GradientStop stops[2] = {{0.0f, Rgb(top)}, {1.0f, Rgb(bottom)}};
-    const auto brush = canvas.target->CreateLinearGradientBrush(
-        PointF{0, 0}, PointF{0, canvas.height}, stops, 2);
+    const auto brush =
+        canvas.target->CreateLinearGradientBrush(PointF{0, 0}, PointF{0, canvas.height}, stops, 2);
     if (brush) canvas.target->FillRectangle(RectF{0, 0, canvas.width, canvas.height}, *brush);
 }
 
 void BuildShadow(float width, float height, float size, float opacity, Shadow& shadow) {
     const float sigma = std::max(size * 0.5f, 1.0f);
     const float pad = sigma * 3;
-    const int32_t nx = std::max(1, static_cast<int32_t>(std::ceil((2 * pad + width) / shadow.step)));
-    const int32_t ny = std::max(1, static_cast<int32_t>(std::ceil((2 * pad + height) / shadow.step)));
+    const int32_t nx =
+        std::max(1, static_cast<int32_t>(std::ceil((2 * pad + width) / shadow.step)));
+    const int32_t ny =
+        std::max(1, static_cast<int32_t>(std::ceil((2 * pad + height) / shadow.step)));
     // The Gaussian separates: each pixel is a column's coverage times a row's.
     const double k = 1 / (std::sqrt(2.0) * sigma);
     std::vector<double> column(static_cast<size_t>(nx)), row(static_cast<size_t>(ny));
@@ -57,8 +59,8 @@ void BuildShadow(float width, float height, float size, float opacity, Shadow& s
     std::vector<uint32_t> pixels(static_cast<size_t>(nx) * static_cast<size_t>(ny));
     for (int32_t j = 0; j < ny; ++j) {
         for (int32_t i = 0; i < nx; ++i) {
-            const double alpha = std::min(opacity * column[static_cast<size_t>(i)] *
-                                              row[static_cast<size_t>(j)], 1.0);
+            const double alpha = std::min(
+                opacity * column[static_cast<size_t>(i)] * row[static_cast<size_t>(j)], 1.0);
             pixels[static_cast<size_t>(j) * static_cast<size_t>(nx) + static_cast<size_t>(i)] =
                 static_cast<uint32_t>(alpha * 255 + 0.5) << 24;
         }

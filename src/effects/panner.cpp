@@ -34,9 +34,9 @@ void SingleEffect::DrawPanner(const Canvas& canvas, double elapsed) {
     const float w = canvas.width, h = canvas.height;
     const auto z = static_cast<float>((zoom - 1) * progress + 1);
     const auto x = static_cast<float>(progress * pan * canvas.width);
-    canvas.target->SetTransform(MultiplyTransforms(
-        MultiplyTransforms(Translation(-w * 0.5f, -h * 0.5f), Scaling(z, z)),
-        Translation(x + w * 0.5f, h * 0.5f)));
+    canvas.target->SetTransform(
+        MultiplyTransforms(MultiplyTransforms(Translation(-w * 0.5f, -h * 0.5f), Scaling(z, z)),
+                           Translation(x + w * 0.5f, h * 0.5f)));
     const SurfaceBitmap* bitmap = slot.Bitmap(*canvas.target);
     DrawWithOpacity(canvas, static_cast<float>(opacity), [&] { DrawPhoto(canvas, bitmap); });
 }

@@ -69,8 +69,8 @@ void DrawMirrorImage(const Canvas& canvas, const SurfaceBitmap& photo, const Rec
     const float y0 = 20 * canvas.scale + frame.bottom;
     const GradientStop stops[3] = {
         {0.0f, ColorF{1, 1, 1, 1.0f}}, {0.5f, ColorF{1, 1, 1, 0.5f}}, {1.0f, ColorF{1, 1, 1, 0}}};
-    const auto fade = canvas.target->CreateLinearGradientBrush(PointF{0, y0},
-                                                               PointF{0, y0 + frameHeight}, stops, 3);
+    const auto fade = canvas.target->CreateLinearGradientBrush(
+        PointF{0, y0}, PointF{0, y0 + frameHeight}, stops, 3);
     if (!fade) return;
     const auto layer = canvas.target->CreateLayer();
     if (!layer) return;

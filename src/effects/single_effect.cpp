@@ -5,8 +5,8 @@
 #include "effects/captions.h"
 #include "effects/painting.h"
 #include "effects/timing.h"
-#include "photos/photo_source.h"
 #include "library/random.h"
+#include "photos/photo_source.h"
 
 SingleEffect::SingleEffect(EffectKind effectKind, EffectOptions options, PhotoSource& photoSource)
     : kind(effectKind), pauseIndex(options.pauseIndex), fit(options.fit), source(&photoSource) {}
@@ -70,8 +70,8 @@ void SingleEffect::RequestPhoto(const Canvas& canvas) {
 }
 
 void SingleEffect::DrawPhoto(const Canvas& canvas, const SurfaceBitmap* bitmap) {
-    if (bitmap) canvas.target->DrawBitmap(*bitmap, RectF{0, 0, canvas.width, canvas.height}, 1.0f,
-                                          nullptr);
+    if (bitmap)
+        canvas.target->DrawBitmap(*bitmap, RectF{0, 0, canvas.width, canvas.height}, 1.0f, nullptr);
     DrawCaption(canvas, slot.current.title);
 }
 

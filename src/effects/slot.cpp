@@ -7,9 +7,8 @@ void Slot::Request(PhotoSource& source, int32_t width, int32_t height, PhotoSour
     pending = true;
     // A plain pointer: completions run only while the render loop dispatches messages, and the
     // Slot's effect lives until the loop has ended; a completion left then is dropped unrun.
-    source.Next(width, height, shape, [slot = this](PhotoSource::Photo& photo) {
-        slot->Deliver(photo);
-    });
+    source.Next(width, height, shape,
+                [slot = this](PhotoSource::Photo& photo) { slot->Deliver(photo); });
 }
 
 void Slot::Deliver(PhotoSource::Photo& photo) {
@@ -34,9 +33,9 @@ bool Slot::Advance(double now) {
 
 const SurfaceBitmap* UploadImage(DrawingSurface& target, SlotImage& image) {
     if (!image.bitmap && !image.pixels.empty()) {
-        image.bitmap = target.CreateBitmap(static_cast<uint32_t>(image.width),
-                                           static_cast<uint32_t>(image.height),
-                                           image.pixels.data());
+        image.bitmap =
+            target.CreateBitmap(static_cast<uint32_t>(image.width),
+                                static_cast<uint32_t>(image.height), image.pixels.data());
     }
     return image.bitmap.get();
 }

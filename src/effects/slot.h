@@ -13,8 +13,8 @@
 struct SlotImage {
     int32_t width = 0; // 0 when empty
     int32_t height = 0;
-    std::vector<uint32_t> pixels; // as PhotoSource::Photo; kept after the bitmap is made
-    std::wstring title;           // the caption to show; empty for none
+    std::vector<uint32_t> pixels;          // as PhotoSource::Photo; kept after the bitmap is made
+    std::wstring title;                    // the caption to show; empty for none
     std::unique_ptr<SurfaceBitmap> bitmap; // made from `pixels` on first use, only for `current`
 };
 
@@ -48,11 +48,11 @@ public:
     // Drops both bitmaps after the target was lost; the pixels stay for the next upload.
     void ReleaseBitmaps();
 
-    SlotImage current;      // the photo on show
-    SlotImage next;         // the delivered photo waiting to be shown
-    bool ready = false;     // `next` holds a delivered photo
-    bool pending = false;   // a request is under way
-    double shownAt = -1.0;  // the time of the last Advance; negative before the first
+    SlotImage current;     // the photo on show
+    SlotImage next;        // the delivered photo waiting to be shown
+    bool ready = false;    // `next` holds a delivered photo
+    bool pending = false;  // a request is under way
+    double shownAt = -1.0; // the time of the last Advance; negative before the first
 
 private:
     // The completion: takes the pixels over without copying them.

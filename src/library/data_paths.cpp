@@ -6,9 +6,7 @@
 
 namespace {
 
-std::wstring Join(const std::wstring& folder, const wchar_t* name) {
-    return folder + L"\\" + name;
-}
+std::wstring Join(const std::wstring& folder, const wchar_t* name) { return folder + L"\\" + name; }
 
 } // namespace
 

@@ -11,13 +11,13 @@
 
 // The answer of Attributes for a path that doesn't exist (or can't be looked at).
 inline constexpr uint32_t kMissingFile = 0xFFFFFFFF;
-inline constexpr uint32_t kDirectoryBit = 0x10;    // FILE_ATTRIBUTE_DIRECTORY
+inline constexpr uint32_t kDirectoryBit = 0x10; // FILE_ATTRIBUTE_DIRECTORY
 // FILE_ATTRIBUTE_REPARSE_POINT: a link or a junction.
 inline constexpr uint32_t kReparsePointBit = 0x400;
 
 // One entry of a folder search.
 struct FolderEntry {
-    std::wstring name;      // the name alone, "." and ".." included where the system gives them
+    std::wstring name; // the name alone, "." and ".." included where the system gives them
     uint32_t attributes = 0;
     uint64_t writeTime = 0; // last write, in 100-nanosecond ticks
 };

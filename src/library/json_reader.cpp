@@ -15,8 +15,8 @@ struct JsonReader {
     // The byte at `pos`; 0 at the end of the text.
     char Peek() const { return AtEnd() ? '\0' : text[pos]; }
     void SkipSpace() {
-        while (!AtEnd() && (text[pos] == ' ' || text[pos] == '\t' || text[pos] == '\n' ||
-                            text[pos] == '\r'))
+        while (!AtEnd() &&
+               (text[pos] == ' ' || text[pos] == '\t' || text[pos] == '\n' || text[pos] == '\r'))
             ++pos;
     }
     bool StartsWith(const char* word) const {
@@ -152,7 +152,9 @@ bool JsonReader::Escape(std::string& out) {
     if (AtEnd()) return false;
     const char c = text[pos++];
     switch (c) {
-    case '"': case '/': case '\\': out += c; return true;
+    case '"':
+    case '/':
+    case '\\': out += c; return true;
     case 'b': out += '\x08'; return true;
     case 'f': out += '\x0C'; return true;
     case 'n': out += '\x0A'; return true;

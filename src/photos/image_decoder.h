@@ -25,11 +25,11 @@ ImageSize OrientedSize(uint32_t frameWidth, uint32_t frameHeight, uint32_t trans
 
 // How one decode scales, crops and places a frame in a target.
 struct DecodeGeometry {
-    ImageSize scaled;      // the whole photo after scaling, upright; never a side of 0
-    ImageSize scaler;      // the scaler's output, in the frame's own axes (it runs before rotation)
-    uint32_t sourceX = 0;  // the part of the scaled photo that is copied...
+    ImageSize scaled;     // the whole photo after scaling, upright; never a side of 0
+    ImageSize scaler;     // the scaler's output, in the frame's own axes (it runs before rotation)
+    uint32_t sourceX = 0; // the part of the scaled photo that is copied...
     uint32_t sourceY = 0;
-    ImageSize copied;      // ...and its size, at most the target's
+    ImageSize copied;          // ...and its size, at most the target's
     uint32_t destinationX = 0; // where that part lands in the target
     uint32_t destinationY = 0;
 };
@@ -49,8 +49,8 @@ ImageSize ExactSize(ImageSize oriented, int32_t width, int32_t height);
 // Decodes frame 0 of the file at `path` into the caller's buffer of `height` rows of `stride`
 // bytes, as PlanDecode places it; the area outside the placed rectangle isn't touched. False on
 // any failure, with the buffer perhaps partly written. The calling thread needs a COM apartment.
-bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool cover,
-                  void* pixels, uint32_t stride);
+bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool cover, void* pixels,
+                  uint32_t stride);
 
 // The shown size of frame 0 of the file at `path`, its orientation applied; false on failure.
 bool ReadOrientedSize(const std::wstring& path, ImageSize& size);

@@ -52,7 +52,6 @@ void PhotoSource::Next(int32_t width, int32_t height, Shape shape, Done done) {
                  flags = titleFlags, done = std::move(done)]() mutable {
         auto photo = std::make_shared<Photo>();
         DecodeFirst(candidates, width, height, shape, flags, *photo);
-        results->PostResult(
-            [photo = std::move(photo), done = std::move(done)] { done(*photo); });
+        results->PostResult([photo = std::move(photo), done = std::move(done)] { done(*photo); });
     });
 }

@@ -42,6 +42,6 @@ public:
 
     WorkQueue* queue;                        // the session's; not owned
     const std::vector<std::wstring>* photos; // the session's list of full paths; not owned
-    uint64_t cursor;    // list position of the next request; grows by 1 per request, never wraps
+    uint64_t cursor;       // list position of the next request; grows by 1 per request, never wraps
     TitleFlags titleFlags; // the session's title and importedTitle
 };

@@ -39,8 +39,8 @@ void AppendFrame(TextCursor& cursor, uint64_t address) {
 
 void CrashReporter::WriteReport() {
     CrashState& crash = crashState;
-    crash.frameCount = WalkStack(crash.context, crash.stackLimit, crash.stackBase, crash.frames,
-                                 kMaxFrames);
+    crash.frameCount =
+        WalkStack(crash.context, crash.stackLimit, crash.stackBase, crash.frames, kMaxFrames);
     if (crash.frameCount < 3)
         crash.frameCount = FallBackToBacktrace(crash.backtrace, crash.backtraceCount,
                                                crash.context.Rip, crash.frames, crash.frameCount);
@@ -51,11 +51,11 @@ void CrashReporter::WriteReport() {
     SystemTimeToFileTime(&now, &fileTime);
 
     TextCursor cursor = CursorOver(crash.report, kReportBufferSize);
-    const ReportTime time{now.wYear, now.wMonth,  now.wDay,         now.wHour,
+    const ReportTime time{now.wYear,   now.wMonth,  now.wDay,         now.wHour,
                           now.wMinute, now.wSecond, now.wMilliseconds};
-    const ReportHead head{crash.appWord,   crash.onUiThread,       crash.code,
-                          crash.detail,    crash.stageWord.load(), crash.sessionId,
-                          crash.eventId,   crash.osVersion,        GetCurrentProcessId(),
+    const ReportHead head{crash.appWord, crash.onUiThread,       crash.code,
+                          crash.detail,  crash.stageWord.load(), crash.sessionId,
+                          crash.eventId, crash.osVersion,        GetCurrentProcessId(),
                           time};
     AppendReportHead(cursor, head);
     for (int i = 0; i < crash.frameCount; ++i) AppendFrame(cursor, crash.frames[i]);

@@ -19,8 +19,8 @@ CrashState crashState;
 
 namespace {
 
-constexpr DWORD kThrowCode = 0xE06D7363;     // an object thrown by the Microsoft C++ runtime
-constexpr DWORD kGccThrowCode = 0x20474343;  // an object thrown by the GCC C++ runtime
+constexpr DWORD kThrowCode = 0xE06D7363;    // an object thrown by the Microsoft C++ runtime
+constexpr DWORD kGccThrowCode = 0x20474343; // an object thrown by the GCC C++ runtime
 constexpr DWORD kHandOverTimeout = 10000;
 
 // The Microsoft runtime's records of a thrown type, on x64: offsets relative to the module that
@@ -79,7 +79,8 @@ LONG WINAPI CrashFilter(EXCEPTION_POINTERS* pointers) {
     const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
     // A GCC-thrown object that nobody caught comes here first; going on lets the C++ runtime
     // call terminate, whose hook reports it from the throwing frame.
-    if (record.ExceptionCode == kGccThrowCode && !(record.ExceptionFlags & EXCEPTION_NONCONTINUABLE))
+    if (record.ExceptionCode == kGccThrowCode &&
+        !(record.ExceptionFlags & EXCEPTION_NONCONTINUABLE))
         return EXCEPTION_CONTINUE_EXECUTION;
     if (crashState.crashing.exchange(1) != 0) return EXCEPTION_CONTINUE_SEARCH;
 
@@ -130,11 +131,12 @@ DWORD WINAPI ReporterThread(void*) {
 
 void ReadOsVersion() {
     using GetVersion = LONG(WINAPI*)(OSVERSIONINFOW*);
-    auto get = reinterpret_cast<GetVersion>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetVersion")));
+    auto get = reinterpret_cast<GetVersion>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetVersion")));
     OSVERSIONINFOW version = {};
     version.dwOSVersionInfoSize = sizeof version;
-    if (!get || get(&version) != 0) version.dwMajorVersion = version.dwMinorVersion = version.dwBuildNumber = 0;
+    if (!get || get(&version) != 0)
+        version.dwMajorVersion = version.dwMinorVersion = version.dwBuildNumber = 0;
     FormatOsVersion(crashState.osVersion, sizeof crashState.osVersion, version.dwMajorVersion,
                     version.dwMinorVersion, version.dwBuildNumber);
 }
@@ -154,12 +156,13 @@ void StopSwallowingCallbackExceptions() {
     HMODULE kernel32 = GetModuleHandleW(L"kernel32.dll");
     using GetPolicy = BOOL(WINAPI*)(DWORD*);
     using SetPolicy = BOOL(WINAPI*)(DWORD);
-    auto get = reinterpret_cast<GetPolicy>(reinterpret_cast<void*>(
-        GetProcAddress(kernel32, "GetProcessUserModeExceptionPolicy")));
-    auto set = reinterpret_cast<SetPolicy>(reinterpret_cast<void*>(
-        GetProcAddress(kernel32, "SetProcessUserModeExceptionPolicy")));
+    auto get = reinterpret_cast<GetPolicy>(
+        reinterpret_cast<void*>(GetProcAddress(kernel32, "GetProcessUserModeExceptionPolicy")));
+    auto set = reinterpret_cast<SetPolicy>(
+        reinterpret_cast<void*>(GetProcAddress(kernel32, "SetProcessUserModeExceptionPolicy")));
     DWORD flags = 0;
-    if (get && set && get(&flags)) set(flags & ~static_cast<DWORD>(1)); // PROCESS_CALLBACK_FILTER_ENABLED
+    if (get && set && get(&flags))
+        set(flags & ~static_cast<DWORD>(1)); // PROCESS_CALLBACK_FILTER_ENABLED
     BOOL suppress = FALSE;
     SetUserObjectInformationW(GetCurrentProcess(), UOI_TIMERPROC_EXCEPTION_SUPPRESSION, &suppress,
                               sizeof suppress);

@@ -208,9 +208,8 @@ std::unique_ptr<SurfaceLayer> D2dSurface::CreateLayer() {
     return std::make_unique<D2dLayer>(std::move(layer));
 }
 
-std::unique_ptr<DrawingSurface> D2dSurface::CreateCompatibleRenderTarget(SizeF size,
-                                                                         uint32_t pixelWidth,
-                                                                         uint32_t pixelHeight) {
+std::unique_ptr<DrawingSurface>
+D2dSurface::CreateCompatibleRenderTarget(SizeF size, uint32_t pixelWidth, uint32_t pixelHeight) {
     const D2D1_SIZE_F units{size.width, size.height};
     const D2D1_SIZE_U pixels{pixelWidth, pixelHeight};
     ComPtr<ID2D1BitmapRenderTarget> offscreen;
@@ -280,13 +279,12 @@ std::wstring SystemFolder() {
 
 // GetProcAddress gives a generic function pointer; going through void* keeps the compiler from
 // warning about the cast to the real signature.
-template <typename Function>
-Function Entry(HMODULE module, const char* name) {
+template <typename Function> Function Entry(HMODULE module, const char* name) {
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
-using D2d1CreateFactoryFn = HRESULT(WINAPI*)(D2D1_FACTORY_TYPE, REFIID,
-                                             const D2D1_FACTORY_OPTIONS*, void**);
+using D2d1CreateFactoryFn = HRESULT(WINAPI*)(D2D1_FACTORY_TYPE, REFIID, const D2D1_FACTORY_OPTIONS*,
+                                             void**);
 using DWriteCreateFactoryFn = HRESULT(WINAPI*)(DWRITE_FACTORY_TYPE, REFIID, IUnknown**);
 
 } // namespace
@@ -309,9 +307,9 @@ bool LoadDrawingFactories(std::shared_ptr<DrawingFactories>& pair) {
                          reinterpret_cast<void**>(factories->d2dFactory.GetAddressOf())))) {
         return false;
     }
-    if (FAILED(createDWrite(
-            DWRITE_FACTORY_TYPE_SHARED, __uuidof(IDWriteFactory),
-            reinterpret_cast<IUnknown**>(factories->dwriteFactory.GetAddressOf())))) {
+    if (FAILED(
+            createDWrite(DWRITE_FACTORY_TYPE_SHARED, __uuidof(IDWriteFactory),
+                         reinterpret_cast<IUnknown**>(factories->dwriteFactory.GetAddressOf())))) {
         return false;
     }
     pair = std::move(factories);

@@ -2,9 +2,9 @@
 // file calls.
 #include "platform/file_tree_win.h"
 
-#include <windows.h>
 #include <share.h>
 #include <shlobj.h>
+#include <windows.h>
 
 #include <cstdio>
 

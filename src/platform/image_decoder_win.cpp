@@ -40,16 +40,16 @@ struct OpenFrame {
 ComPtr<IWICBitmapSource> BuildChain(const OpenFrame& opened, const DecodeGeometry& geometry) {
     ComPtr<IWICBitmapScaler> scaler;
     if (FAILED(opened.factory->CreateBitmapScaler(&scaler)) ||
-        FAILED(scaler->Initialize(opened.frame.Get(), geometry.scaler.width,
-                                  geometry.scaler.height, WICBitmapInterpolationModeFant))) {
+        FAILED(scaler->Initialize(opened.frame.Get(), geometry.scaler.width, geometry.scaler.height,
+                                  WICBitmapInterpolationModeFant))) {
         return nullptr;
     }
     ComPtr<IWICBitmapSource> upright = scaler;
     if (opened.transform != 0) {
         ComPtr<IWICBitmapFlipRotator> rotator;
         if (FAILED(opened.factory->CreateBitmapFlipRotator(&rotator)) ||
-            FAILED(rotator->Initialize(scaler.Get(), static_cast<WICBitmapTransformOptions>(
-                                                         opened.transform)))) {
+            FAILED(rotator->Initialize(scaler.Get(),
+                                       static_cast<WICBitmapTransformOptions>(opened.transform)))) {
             return nullptr;
         }
         upright = rotator;
@@ -81,8 +81,8 @@ uint32_t ReadOrientation(IWICBitmapFrameDecode* frame) {
     return OrientationTransform(tag);
 }
 
-bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool cover,
-                  void* pixels, uint32_t stride) {
+bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool cover, void* pixels,
+                  uint32_t stride) {
     if (width < 1 || height < 1) return false;
     OpenFrame opened;
     if (!opened.Open(path)) return false;
@@ -96,7 +96,8 @@ bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool 
                          static_cast<INT>(geometry->copied.width),
                          static_cast<INT>(geometry->copied.height)};
     const UINT size = (geometry->copied.height - 1) * stride + geometry->copied.width * 4;
-    BYTE* first = static_cast<BYTE*>(pixels) + static_cast<size_t>(geometry->destinationY) * stride +
+    BYTE* first = static_cast<BYTE*>(pixels) +
+                  static_cast<size_t>(geometry->destinationY) * stride +
                   static_cast<size_t>(geometry->destinationX) * 4;
     return SUCCEEDED(chain->CopyPixels(&source, stride, size, first));
 }
@@ -108,8 +109,7 @@ bool ReadOrientedSize(const std::wstring& path, ImageSize& size) {
     return true;
 }
 
-bool LoadDib(const std::wstring& path, int32_t width, int32_t height, bool cover,
-             HBITMAP& bitmap) {
+bool LoadDib(const std::wstring& path, int32_t width, int32_t height, bool cover, HBITMAP& bitmap) {
     if (width < 1 || height < 1) return false;
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);

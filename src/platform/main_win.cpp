@@ -27,8 +27,7 @@ std::vector<std::wstring> CommandLineArguments() {
 
 // A function of a system DLL that the process has loaded already, or null where this version of
 // Windows lacks it. Going through void* keeps the compiler from warning about the cast.
-template <typename Function>
-Function LoadedFunction(const wchar_t* module, const char* name) {
+template <typename Function> Function LoadedFunction(const wchar_t* module, const char* name) {
     const HMODULE handle = GetModuleHandleW(module);
     if (!handle) return nullptr;
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(handle, name)));
@@ -69,5 +68,6 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
     const CommandLineChoice choice = ParseCommandLine(CommandLineArguments(), IsWindowNumber);
     if (!choice.run) return 0;
     CrashReporter::SetStage(StageWord(choice.mode));
-    return RunMode(choice.mode, reinterpret_cast<WindowHandle>(static_cast<UINT_PTR>(choice.handle)));
+    return RunMode(choice.mode,
+                   reinterpret_cast<WindowHandle>(static_cast<UINT_PTR>(choice.handle)));
 }

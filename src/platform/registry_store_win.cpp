@@ -27,8 +27,8 @@ public:
     ValueQuery Query(const std::wstring& name, void* buffer, uint32_t capacity) override {
         DWORD type = 0;
         DWORD size = capacity;
-        const LSTATUS status = RegQueryValueExW(key, name.c_str(), nullptr, &type,
-                                                static_cast<BYTE*>(buffer), &size);
+        const LSTATUS status =
+            RegQueryValueExW(key, name.c_str(), nullptr, &type, static_cast<BYTE*>(buffer), &size);
         return {status == ERROR_SUCCESS, type, size};
     }
 

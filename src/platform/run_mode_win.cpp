@@ -3,10 +3,10 @@
 #include <objbase.h>
 
 #include "platform/win_handles.h"
+#include "platform/window_thread_win.h"
 #include "session/run_mode.h"
 #include "session/saver_session.h"
 #include "session/settings_handoff.h"
-#include "platform/window_thread_win.h"
 
 int32_t RunMode(SaverMode mode, WindowHandle previewParent) {
     if (mode == SaverMode::Settings) {

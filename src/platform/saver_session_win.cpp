@@ -7,11 +7,11 @@
 #include "library/companion.h"
 #include "library/data_paths.h"
 #include "library/photo_listing.h"
+#include "library/random.h"
 #include "library/settings.h"
 #include "platform/d2d_surface_win.h"
 #include "platform/win_handles.h"
 #include "platform/window_proc_win.h"
-#include "library/random.h"
 #include "session/saver_session.h"
 
 namespace {
@@ -63,8 +63,8 @@ bool OpenWindow(ScreenWindow& window, const SaverSession::Rectangle& rectangle, 
     // The compose surface of the crossfade, made on every path: a window that loses its target
     // paints through it.
     WindowDc dc(hwnd);
-    window.backBitmap = PlatformObject(CreateCompatibleBitmap(dc.Get(), window.width, window.height),
-                                       DeleteGdiObject);
+    window.backBitmap = PlatformObject(
+        CreateCompatibleBitmap(dc.Get(), window.width, window.height), DeleteGdiObject);
     return true;
 }
 

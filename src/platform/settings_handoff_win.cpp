@@ -39,6 +39,4 @@ uint32_t OpenSettingsMessage() {
     return message;
 }
 
-void OpenSettings() {
-    HandOffSettings(DataPaths::Get().exePath, {PostToTray, Start, ShowMessage});
-}
+void OpenSettings() { HandOffSettings(DataPaths::Get().exePath, {PostToTray, Start, ShowMessage}); }

@@ -51,8 +51,7 @@ private:
 };
 
 // A GDI resource of our own, freed with `Free` at the end of its scope.
-template <class Value, BOOL(WINAPI* Free)(Value)>
-class GdiOwned {
+template <class Value, BOOL(WINAPI* Free)(Value)> class GdiOwned {
 public:
     explicit GdiOwned(Value held) : value(held) {}
     ~GdiOwned() {

@@ -48,8 +48,8 @@ uint32_t Win32WindowThread::WindowDpi(WindowHandle window) {
     // Looked up each time: the call exists from Windows 10 on.
     using GetDpi = UINT(WINAPI*)(HWND);
     HMODULE user32 = GetModuleHandleW(L"user32.dll");
-    auto getDpi = user32 ? reinterpret_cast<GetDpi>(reinterpret_cast<void*>(
-                               GetProcAddress(user32, "GetDpiForWindow")))
+    auto getDpi = user32 ? reinterpret_cast<GetDpi>(
+                               reinterpret_cast<void*>(GetProcAddress(user32, "GetDpiForWindow")))
                          : nullptr;
     const UINT dpi = getDpi ? getDpi(static_cast<HWND>(window)) : 0;
     if (dpi != 0) return dpi;
@@ -59,15 +59,15 @@ uint32_t Win32WindowThread::WindowDpi(WindowHandle window) {
 
 int32_t Win32WindowThread::ScreenHeight() { return GetSystemMetrics(SM_CYSCREEN); }
 
-std::unique_ptr<DrawingSurface> Win32WindowThread::CreateWindowTarget(
-    const DrawingFactories* factories, WindowHandle window, int32_t width, int32_t height,
-    bool primary) {
+std::unique_ptr<DrawingSurface>
+Win32WindowThread::CreateWindowTarget(const DrawingFactories* factories, WindowHandle window,
+                                      int32_t width, int32_t height, bool primary) {
     if (!factories) return nullptr;
     return CreateHwndSurface(*factories, static_cast<HWND>(window), width, height, primary);
 }
 
 bool Win32WindowThread::DecodeBitmap(const std::wstring& path, int32_t width, int32_t height,
-                                   bool cover, PlatformObject& bitmap) {
+                                     bool cover, PlatformObject& bitmap) {
     HBITMAP held = static_cast<HBITMAP>(bitmap.get());
     if (!LoadDib(path, width, height, cover, held)) return false;
     // LoadDib has deleted the bitmap that it replaced: the holder lets go of it unfreed and

@@ -20,5 +20,5 @@ public:
                                                        int32_t height, bool primary) override;
     // LoadDib, with the window's bitmap holder in place of a bare HBITMAP.
     bool DecodeBitmap(const std::wstring& path, int32_t width, int32_t height, bool cover,
-                    PlatformObject& bitmap) override;
+                      PlatformObject& bitmap) override;
 };

@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <utility>
 
+#include "diagnostics/log.h"
 #include "library/companion.h"
 #include "library/settings.h"
-#include "diagnostics/log.h"
 #include "photos/photo_titles.h"
 #include "session/window_messages.h"
 
@@ -71,10 +71,9 @@ std::vector<std::wstring> ChoosePhotos(const PhotoLister& list, const std::wstri
 void OrderPhotos(std::vector<std::wstring>& photos, int32_t randomFlag,
                  const std::function<uint32_t()>& random) {
     if (randomFlag == 0) {
-        std::stable_sort(photos.begin(), photos.end(),
-                         [](const std::wstring& a, const std::wstring& b) {
-                             return ComparePhotoNames(a, b);
-                         });
+        std::stable_sort(
+            photos.begin(), photos.end(),
+            [](const std::wstring& a, const std::wstring& b) { return ComparePhotoNames(a, b); });
         return;
     }
     for (size_t n = photos.size(); n > 1; --n) {

@@ -44,5 +44,5 @@ public:
     // crossfade, the photo whole (or covering it when `cover`) on black, and on success puts it
     // into `bitmap` in place of the old one. False leaves `bitmap` alone.
     virtual bool DecodeBitmap(const std::wstring& path, int32_t width, int32_t height, bool cover,
-                            PlatformObject& bitmap) = 0;
+                              PlatformObject& bitmap) = 0;
 };

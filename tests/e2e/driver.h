@@ -23,8 +23,7 @@ constexpr wchar_t kSaverKey[] = L"Software\\LumivaneW";
 
 // Polls `done` until it holds or `timeoutMs` has passed; returns its last answer. The saver runs in
 // another process, so every check of its state is a poll.
-template <typename Predicate>
-bool WaitUntil(Predicate done, DWORD timeoutMs, DWORD pollMs = 5) {
+template <typename Predicate> bool WaitUntil(Predicate done, DWORD timeoutMs, DWORD pollMs = 5) {
     for (const ULONGLONG deadline = GetTickCount64() + timeoutMs; !done(); Sleep(pollMs))
         if (GetTickCount64() >= deadline) return done();
     return true;

@@ -129,6 +129,7 @@ TEST(PhotoDirectory, CandidatesAreTriedInOrderAndTheChoiceIsStored) {
     const std::wstring fixed = L"C:\\LumivaneItems", beside = L"C:\\U\\Roaming\\LumivaneOneDrive";
     // ImportsDir before the start (empty counts as none), the companion's settings file (empty:
     // none), the documents folder, the folder whose write test fails, and the choice.
+    // clang-format off
     const std::tuple<std::wstring, std::string, std::wstring, std::wstring, std::wstring>
         cases[] = {
             // A stored value is returned untested.
@@ -146,6 +147,7 @@ TEST(PhotoDirectory, CandidatesAreTriedInOrderAndTheChoiceIsStored) {
             {L"", "", L"", L"", fixed},
             {L"", "", L"C:\\OneDrive\\Documents", fixed, dataDir},
         };
+    // clang-format on
     for (const auto& [stored, settings, inDocuments, unwritable, chosen] : cases) {
         MemoryTree tree;
         TestRegistry() = {};

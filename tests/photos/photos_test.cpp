@@ -120,12 +120,14 @@ TEST(PhotoSource, TriesTenPlacesFromItsCursorAndDeliversTheFirstGoodOneInItsShap
     // 400 x 300 files, file i in the colour 0xFF100000 + i and all damaged but `good`, asked for
     // at 160 x 90 with captions for plain photos when `titled`, else for imported ones: the places
     // tried, the width delivered (0: none) and whether its top left pixel is a bar.
+    // clang-format off
     const std::tuple<int, int, uint64_t, S, bool, std::vector<int>, int32_t, bool> cases[] = {
         {25, -1, 24, S::Letterbox, true, {24, 0, 1, 2, 3, 4, 5, 6, 7, 8}, 0, false},
         {3, -1, 1, S::Exact, true, {1, 2, 0}, 0, false}, {0, -1, 3, S::Cover, true, {}, 0, false},
         {25, 9, 0, S::Letterbox, true, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 160, true},
         {10, 5, 5, S::Cover, false, {5}, 160, false},
         {10, 6, 6, S::Exact, true, {6, 6}, 120, false}}; // Exact reads the size first
+    // clang-format on
     for (const auto& [count, good, cursor, shape, titled, places, width, bar] : cases) {
         FakeFiles() = {};
         std::vector<std::wstring> photos, tried;

@@ -29,8 +29,8 @@ TEST(SessionStartup, PhotosOptionsAndWindowsStartsAndScale) {
     EXPECT_EQ(ChoosePhotos(ListPhotos, L"C:\\missing", L"C:\\a"), Paths{});
 
     // They are sorted by file name folding only A to Z, stably, or shuffled from the top.
-    Paths photos{L"C:\\x\\b.jpg", L"C:\\z\\A.jpg", L"C:\\y\\Same.jpg", L"C:\\a\\\u00C9.jpg",
-                 L"C:\\a\\same.JPG", L"noslash.jpg"};
+    Paths photos{L"C:\\x\\b.jpg",      L"C:\\z\\A.jpg",    L"C:\\y\\Same.jpg",
+                 L"C:\\a\\\u00C9.jpg", L"C:\\a\\same.JPG", L"noslash.jpg"};
     OrderPhotos(photos, 0, {}); // a sort draws no numbers
     EXPECT_EQ(photos, (Paths{L"C:\\z\\A.jpg", L"C:\\x\\b.jpg", L"noslash.jpg", L"C:\\y\\Same.jpg",
                              L"C:\\a\\same.JPG", L"C:\\a\\\u00C9.jpg"}));
@@ -75,6 +75,7 @@ TEST(CommandLine, DecidesModeHandleAndSilentExits) {
     const auto settings = SaverMode::Settings, full = SaverMode::Fullscreen;
     const auto preview = SaverMode::Preview;
     // The arguments, whether the run goes on, its mode and handle; 777 is a window.
+    // clang-format off
     const std::tuple<std::vector<std::wstring>, bool, SaverMode, uint64_t> cases[] = {
         // No usable switch opens the settings; unknown letters end at once.
         {{}, true, settings, 0}, {{L"/"}, true, settings, 0}, {{L"/x"}, false, settings, 0},
@@ -86,6 +87,7 @@ TEST(CommandLine, DecidesModeHandleAndSilentExits) {
         // A missing, unreadable or foreign handle ends silently.
         {{L"/p"}, false, preview, 0}, {{L"/p:abc"}, false, preview, 0},
         {{L"/p:888"}, false, preview, 888}};
+    // clang-format on
     for (const auto& [arguments, run, mode, handle] : cases) {
         SCOPED_TRACE(arguments.empty() ? L"" : arguments[0]);
         const auto choice = ParseCommandLine(arguments, [](uint64_t n) { return n == 777; });
@@ -147,6 +149,7 @@ TEST(WindowMessages, ActByModeAndTheMouseDismissesOnce) {
     using A = MessageAction;
     namespace M = WindowMessage;
     // The message, its wParam, the actions in full screen and in a preview.
+    // clang-format off
     const std::tuple<uint32_t, uint64_t, MessageAction, MessageAction> cases[] = {
         {M::MouseMove, 0, A::MouseRule, A::Swallow}, {M::Destroy, 0, A::Swallow, A::PostQuit},
         {M::ActivateApp, 0, A::DismissThenDefault, A::Default},
@@ -154,6 +157,7 @@ TEST(WindowMessages, ActByModeAndTheMouseDismissesOnce) {
         // The low four bits of a system command don't matter; SC_CLOSE is no screen saver.
         {M::SysCommand, 0xF14F, A::Swallow, A::Default},
         {M::SysCommand, 0xF060, A::Default, A::Default}};
+    // clang-format on
     for (const auto& [message, wParam, fullscreen, preview] : cases) {
         SCOPED_TRACE(testing::Message() << std::hex << message << " " << wParam);
         EXPECT_EQ(DecideMessage(SaverMode::Fullscreen, message, wParam), fullscreen);
@@ -163,7 +167,7 @@ TEST(WindowMessages, ActByModeAndTheMouseDismissesOnce) {
     // The mouse: the first move records, and nine pixels from there hide every window and quit
     // once. The moves, and whether they dismiss.
     const std::pair<std::vector<std::pair<int32_t, int32_t>>, bool> mice[] = {
-        {{{100, 100}, {108, 92}}, false},           // 8 along both
+        {{{100, 100}, {108, 92}}, false},             // 8 along both
         {{{100, 100}, {109, 100}, {109, 100}}, true}, // 9 along x, then again
         {{{100, 100}, {100, 91}}, true},
         {{{100, 100}, {105, 100}, {110, 100}}, true},                  // drifting adds up
@@ -273,9 +277,11 @@ struct Fixture : Loop {
 
 TEST(Crossfade, LoadTriesTenPhotosEachOnceAndTheFadeSwitchesCaptionAtStep51) {
     // Photos, cursor, the photos tried in order, how many of the first ones tried fail.
+    // clang-format off
     const std::tuple<size_t, uint64_t, std::vector<size_t>, size_t> cases[] = {
         {1, 0, {0}, 1}, {2, 3, {1, 0}, 1}, {25, 0, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, 9},
         {25, 20, {20, 21, 22, 23, 24, 0, 1, 2, 3, 4}, 10}};
+    // clang-format on
     for (const auto& [photos, cursor, indices, failures] : cases) {
         Fixture f(photos);
         f.window.cursor = cursor;

@@ -45,8 +45,8 @@ std::wstring WideFromUtf8(const std::string& text) { return {text.begin(), text.
 
 // Decoding paints the placed rectangle of a FakeFiles() entry in its colour, with the real
 // geometry.
-bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool cover,
-                  void* pixels, uint32_t stride) {
+bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool cover, void* pixels,
+                  uint32_t stride) {
     const FakeImage* image = Open(path);
     if (!image) return false;
     const auto g = PlanDecode(image->width, image->height, image->transform, width, height, cover);
