@@ -23,6 +23,7 @@ import json
 import os
 import random
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -84,7 +85,7 @@ def run_share(mutants, count):
             with open(path, 'w') as f:
                 f.writelines(original)
             os.utime(path)
-    subprocess.run(['rm', '-rf', os.path.dirname(work)])
+    shutil.rmtree(os.path.dirname(work), ignore_errors=True)
     return records
 
 
