@@ -1,4 +1,5 @@
-# The Windows half of the build: the platform layer, Lumivane.scr and its resources.
+# The Windows half of the build: the platform layer, Lumivane.scr and Lumivane.exe with their
+# resources.
 enable_language(RC)
 
 set(LUMIVANE_WIN_DEFINITIONS UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
@@ -8,6 +9,8 @@ target_compile_definitions(lumivane_logic PUBLIC ${LUMIVANE_WIN_DEFINITIONS})
 # One statically linked file whose only imports are system DLLs.
 add_link_options(-static -static-libgcc -static-libstdc++)
 
+# The platform layer of both programs; the tray application's own windows are in
+# src/platform/companion.
 file(GLOB LUMIVANE_PLATFORM_SOURCES CONFIGURE_DEPENDS src/platform/*.cpp)
 list(FILTER LUMIVANE_PLATFORM_SOURCES EXCLUDE REGEX "main_win\\.cpp$")
 add_library(lumivane_platform STATIC ${LUMIVANE_PLATFORM_SOURCES})
@@ -30,5 +33,18 @@ set_target_properties(Lumivane PROPERTIES OUTPUT_NAME Lumivane SUFFIX .scr)
 target_link_options(Lumivane PRIVATE -municode)
 target_link_libraries(Lumivane PRIVATE lumivane_platform)
 target_include_directories(Lumivane PRIVATE ${CMAKE_BINARY_DIR}/generated)
+
+# Lumivane.exe, the tray application, beside the saver. Besides the saver's system DLLs it imports
+# comctl32, which its manifest takes from the system's side-by-side store (common controls 6).
+file(GLOB LUMIVANE_COMPANION_PLATFORM_SOURCES CONFIGURE_DEPENDS src/platform/companion/*.cpp)
+set_source_files_properties(res/companion.rc PROPERTIES OBJECT_DEPENDS
+    "${CMAKE_SOURCE_DIR}/res/companion.manifest;${CMAKE_SOURCE_DIR}/res/lumivane.ico;\
+${CMAKE_SOURCE_DIR}/res/companion_ids.h;${CMAKE_BINARY_DIR}/generated/lumivane_version.h")
+add_executable(LumivaneApp WIN32 ${LUMIVANE_COMPANION_PLATFORM_SOURCES} res/companion.rc)
+set_target_properties(LumivaneApp PROPERTIES OUTPUT_NAME Lumivane SUFFIX .exe)
+target_link_options(LumivaneApp PRIVATE -municode)
+target_link_libraries(LumivaneApp PRIVATE lumivane_companion lumivane_platform comctl32)
+target_include_directories(LumivaneApp PRIVATE ${CMAKE_BINARY_DIR}/generated res)
+target_compile_options(LumivaneApp PRIVATE -Wall -Wextra)
 
 include(cmake/installer.cmake)

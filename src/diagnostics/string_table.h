@@ -9,6 +9,11 @@ inline constexpr wchar_t kNoPhotosText[] =
 inline constexpr wchar_t kOpenSettingsText[] =
     L"Open Lumivane to change the screen saver's settings.";
 
+// The languages that have texts, by language number: 0 is English, which needs no translation.
+inline constexpr int32_t kLanguageCount = 7;
+inline constexpr const wchar_t* kLanguageCodes[kLanguageCount] = {L"en", L"de", L"es", L"fr",
+                                                                  L"it", L"nl", L"pt"};
+
 // Texts in the language of the process. A call site names the English text and gets it back
 // whenever nothing better is known, so a missing translation never leaves an empty place.
 struct StringTable {

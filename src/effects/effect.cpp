@@ -3,17 +3,18 @@
 #include "effects/faller_effect.h"
 #include "effects/four_up_effect.h"
 #include "effects/single_effect.h"
+#include "library/options.h"
 #include "library/random.h"
 #include "photos/photo_source.h"
 
 EffectKind ParseEffectKind(const std::wstring& text) {
     // Exact, case-sensitive comparisons: "Random" and "KBER" are Fader.
-    if (text == L"random") return static_cast<EffectKind>(RandomU32() % 6);
-    if (text == L"faller") return EffectKind::Faller;
-    if (text == L"fourup") return EffectKind::FourUp;
-    if (text == L"kber") return EffectKind::Panner;
-    if (text == L"slider") return EffectKind::Slider;
-    if (text == L"reflections") return EffectKind::Reflections;
+    if (text == kShowRandom) return static_cast<EffectKind>(RandomU32() % 6);
+    if (text == kShowFaller) return EffectKind::Faller;
+    if (text == kShowFourUp) return EffectKind::FourUp;
+    if (text == kShowPanner) return EffectKind::Panner;
+    if (text == kShowSlider) return EffectKind::Slider;
+    if (text == kShowReflections) return EffectKind::Reflections;
     return EffectKind::Fader;
 }
 

@@ -32,6 +32,18 @@ std::vector<uint8_t> StringBytes(const std::wstring& text) {
     return bytes;
 }
 
+// The bytes of a REG_MULTI_SZ: each string with its zero, then one more zero.
+std::vector<uint8_t> MultiStringBytes(const std::vector<std::wstring>& list) {
+    std::vector<uint8_t> bytes;
+    for (const std::wstring& text : list) {
+        if (text.empty()) continue;
+        const auto one = StringBytes(text);
+        bytes.insert(bytes.end(), one.begin(), one.end());
+    }
+    bytes.insert(bytes.end(), {0, 0});
+    return bytes;
+}
+
 void SetString(SettingsKey& key, const std::wstring& name, const std::wstring& value) {
     const auto bytes = StringBytes(value);
     key.Set(name, kRegistryString, bytes.data(), static_cast<uint32_t>(bytes.size()));
@@ -67,6 +79,44 @@ std::wstring Settings::ReadString(const wchar_t* name) {
 void Settings::WriteString(const wchar_t* name, const std::wstring& value) {
     const auto key = OpenSettingsKey(KeyAccess::ReadWrite);
     if (key) SetString(*key, name, value);
+}
+
+void Settings::WriteDword(const wchar_t* name, int32_t value) {
+    const auto key = OpenSettingsKey(KeyAccess::ReadWrite);
+    if (!key) return;
+    const auto bits = static_cast<uint32_t>(value);
+    const uint8_t bytes[4] = {static_cast<uint8_t>(bits), static_cast<uint8_t>(bits >> 8),
+                              static_cast<uint8_t>(bits >> 16), static_cast<uint8_t>(bits >> 24)};
+    key->Set(name, kRegistryDword, bytes, sizeof bytes);
+}
+
+std::optional<std::vector<std::wstring>> Settings::ReadStrings(const wchar_t* name) {
+    const auto key = OpenSettingsKey(KeyAccess::Read);
+    if (!key) return std::nullopt;
+    const ValueQuery probe = key->Query(name, nullptr, 0);
+    if (!probe.ok || probe.type != kRegistryMultiString) return std::nullopt;
+    std::vector<uint8_t> buffer((probe.size / 2 + 1) * 2, 0);
+    if (!key->Query(name, buffer.data(), probe.size).ok) return std::nullopt;
+    // Strings end at each zero; a missing final zero is made up by the zeroed buffer's last one.
+    std::vector<std::wstring> list;
+    std::wstring text;
+    for (size_t i = 0; i + 1 < buffer.size(); i += 2) {
+        const auto unit = static_cast<wchar_t>(buffer[i] | (buffer[i + 1] << 8));
+        if (unit != 0) {
+            text.push_back(unit);
+        } else if (!text.empty()) {
+            list.push_back(std::move(text));
+            text.clear();
+        }
+    }
+    return list;
+}
+
+void Settings::WriteStrings(const wchar_t* name, const std::vector<std::wstring>& list) {
+    const auto key = OpenSettingsKey(KeyAccess::ReadWrite);
+    if (!key) return;
+    const auto bytes = MultiStringBytes(list);
+    key->Set(name, kRegistryMultiString, bytes.data(), static_cast<uint32_t>(bytes.size()));
 }
 
 void Settings::ReplacePathInValues(const std::wstring& oldPath, const std::wstring& newPath) {

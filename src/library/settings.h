@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 // The options of the current user: stateless operations on the one registry key. Each opens the
 // key for itself and closes it before it returns. No failure is reported: a read gives its
@@ -15,6 +17,14 @@ struct Settings {
     static std::wstring ReadString(const wchar_t* name);
     // Stores `value` as a REG_SZ with its terminating zero, making the key if needed.
     static void WriteString(const wchar_t* name, const std::wstring& value);
+    // Stores `value` as a REG_DWORD, making the key if needed. Only the companion writes numbers.
+    static void WriteDword(const wchar_t* name, int32_t value);
+    // The REG_MULTI_SZ `name` as its list of non-empty strings; nothing when the value is missing
+    // or of another type, so that an empty list and a missing value can be told apart.
+    static std::optional<std::vector<std::wstring>> ReadStrings(const wchar_t* name);
+    // Stores `list` as a REG_MULTI_SZ, making the key if needed. Empty strings can't be stored in
+    // that form and are left out.
+    static void WriteStrings(const wchar_t* name, const std::vector<std::wstring>& list);
     // Replaces `oldPath` by `newPath` in every REG_SZ value of the key, ignoring case, wherever
     // it is followed by the end of the text, a backslash, "|" or a line feed. Values are read
     // first and written afterwards; a value without a match isn't written.

@@ -11,6 +11,7 @@
 // The value types that the logic tells apart.
 inline constexpr uint32_t kRegistryString = 1; // REG_SZ
 inline constexpr uint32_t kRegistryDword = 4;  // REG_DWORD
+inline constexpr uint32_t kRegistryMultiString = 7; // REG_MULTI_SZ
 // The status that ends a walk over the values (ERROR_NO_MORE_ITEMS).
 inline constexpr int32_t kNoMoreValues = 259;
 

@@ -6,6 +6,7 @@
 
 #include "library/companion.h"
 #include "library/data_paths.h"
+#include "library/options.h"
 #include "library/photo_listing.h"
 #include "library/random.h"
 #include "library/settings.h"
@@ -73,7 +74,8 @@ bool OpenWindow(ScreenWindow& window, const SaverSession::Rectangle& rectangle, 
 int32_t SaverSession::Run(WindowHandle previewParent) {
     const DataPaths& paths = DataPaths::Get();
     photos = ChoosePhotos(ListPhotos, paths.screenSaverDir, paths.wallpaperCacheDir);
-    OrderPhotos(photos, Settings::ReadDword(kValueSaverRandom, 0), RandomU32);
+    OrderPhotos(photos, Settings::ReadDword(kOptionSaverRandom.name, kOptionSaverRandom.fallback),
+                RandomU32);
     const RunOptions options = ReadOptions();
     // With no photos Direct2D isn't even tried.
     const bool direct2d = !photos.empty() && LoadDrawingFactories(factories);

@@ -3,14 +3,13 @@
 #include <algorithm>
 
 #include "diagnostics/string_table.h"
+#include "library/options.h"
 #include "photos/photo_titles.h"
 
 namespace {
 
-// Seconds that a photo stands still, by SaverPause index; the fade's 3 seconds come on top.
-constexpr uint32_t kPauseSeconds[] = {3, 5, 10, 20, 30, 60};
+// The fade's 3 seconds come on top of the seconds that a photo stands still.
 constexpr uint32_t kFadeMs = 3000;
-constexpr int32_t kDefaultPauseIndex = 2;
 // The last step that still shows the current caption; a caption changes at once, unfaded.
 constexpr int32_t kLastCurrentCaptionStep = 50;
 constexpr int32_t kMaxAttempts = 10;
@@ -20,8 +19,8 @@ constexpr int32_t kShadowOffset = 2;
 } // namespace
 
 uint32_t CrossfadePeriodMs(int32_t pauseIndex) {
-    if (pauseIndex < 0 || pauseIndex > 5) pauseIndex = kDefaultPauseIndex;
-    return kPauseSeconds[pauseIndex] * 1000 + kFadeMs;
+    if (pauseIndex < 0 || pauseIndex >= kPauseCount) pauseIndex = kDefaultPauseIndex;
+    return static_cast<uint32_t>(kPauseSeconds[pauseIndex]) * 1000 + kFadeMs;
 }
 
 uint8_t FadeAlpha(int32_t fadeStep) {

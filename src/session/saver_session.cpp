@@ -6,6 +6,7 @@
 
 #include "diagnostics/log.h"
 #include "library/companion.h"
+#include "library/options.h"
 #include "library/settings.h"
 #include "photos/photo_titles.h"
 #include "session/window_messages.h"
@@ -50,9 +51,10 @@ void SaverSession::MouseMoved(int32_t x, int32_t y) {
 }
 
 SaverSession::RunOptions SaverSession::ReadOptions() {
-    fit = Settings::ReadDword(kValueSaverFit, 0) != 0;
-    title = Settings::ReadDword(kValueSaverTitle, 1) != 0;
-    importedTitle = Settings::ReadDword(kValueSaverImportedTitle, 1) != 0;
+    fit = Settings::ReadDword(kOptionSaverFit.name, kOptionSaverFit.fallback) != 0;
+    title = Settings::ReadDword(kOptionSaverTitle.name, kOptionSaverTitle.fallback) != 0;
+    importedTitle = Settings::ReadDword(kOptionSaverImportedTitle.name,
+                                        kOptionSaverImportedTitle.fallback) != 0;
     RunOptions options;
     // Parsed once, so that every monitor shows the same kind, "random" included.
     options.kind = ParseEffectKind(Settings::ReadString(kValueSaverShow));
@@ -80,11 +82,6 @@ void OrderPhotos(std::vector<std::wstring>& photos, int32_t randomFlag,
         const size_t j = random() % n;
         if (j != n - 1) std::swap(photos[n - 1], photos[j]);
     }
-}
-
-int32_t PauseIndex(const std::wstring& value) {
-    if (value.size() == 1 && value[0] >= L'0' && value[0] <= L'5') return value[0] - L'0';
-    return 2;
 }
 
 uint64_t PhotoShare(size_t photoCount, size_t rectangleCount) {

@@ -8,6 +8,7 @@
 
 #include "effects/drawing_surface.h"
 #include "effects/effect.h"
+#include "library/options.h"
 #include "photos/photo_source.h"
 #include "photos/work_queue.h"
 #include "session/saver_mode.h"
@@ -130,9 +131,6 @@ std::vector<std::wstring> ChoosePhotos(const PhotoLister& list, const std::wstri
 // stable sort by file name.
 void OrderPhotos(std::vector<std::wstring>& photos, int32_t randomFlag,
                  const std::function<uint32_t()>& random);
-
-// The pause index of SaverPause: one character "0" to "5", anything else 2.
-int32_t PauseIndex(const std::wstring& value);
 
 // How far apart the windows start in the photo list.
 uint64_t PhotoShare(size_t photoCount, size_t rectangleCount);
