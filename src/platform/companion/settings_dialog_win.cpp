@@ -3,6 +3,7 @@
 #include <shobjidl.h>
 #include <wrl/client.h>
 
+#include "companion/companion_texts.h"
 #include "companion_ids.h"
 #include "diagnostics/string_table.h"
 
@@ -17,14 +18,10 @@ constexpr UINT kRestartPreviewMessage = WM_APP + 1;
 // The presentations, in the order of SettingsForm::Show. The names are the presentations' own;
 // only "Random" is a word.
 constexpr const wchar_t* kShowNames[SettingsForm::ShowCount] = {
-    L"Fader", L"Slider", L"Panner", L"Reflections", L"Faller", L"FourUp", L"Random"};
+    L"Fader", L"Slider", L"Panner", L"Reflections", L"Faller", L"FourUp", kRandomText};
 // Each language under its own name, after the system's language.
 constexpr const wchar_t* kLanguageNames[kLanguageCount] = {
     L"English", L"Deutsch", L"Español", L"Français", L"Italiano", L"Nederlands", L"Português"};
-constexpr wchar_t kSecondsText[] = L"%d seconds";
-constexpr wchar_t kSystemLanguageText[] = L"System language";
-constexpr wchar_t kNotFoundText[] = L"(not found)";
-constexpr wchar_t kPickFolderText[] = L"Choose a folder of photos";
 
 // `text` with "%d" replaced by `number`. A plain replacement rather than a format string, so a
 // translation can't make the program read arguments that aren't there.

@@ -3,6 +3,7 @@
 #include <commctrl.h>
 #include <windowsx.h>
 
+#include "companion/companion_texts.h"
 #include "companion_ids.h"
 #include "diagnostics/string_table.h"
 #include "library/companion.h"
@@ -15,10 +16,6 @@ constexpr UINT kIconMessage = WM_APP + 1;
 constexpr wchar_t kTooltip[] = L"Lumivane";
 
 enum MenuItem : UINT { kMenuSettings = 1, kMenuStartSaver, kMenuOpenFolder, kMenuExit };
-constexpr wchar_t kSettingsText[] = L"&Settings…";
-constexpr wchar_t kStartSaverText[] = L"Start screen sa&ver now";
-constexpr wchar_t kOpenFolderText[] = L"&Open photo folder";
-constexpr wchar_t kExitText[] = L"E&xit";
 
 // Starts the saver full screen, as the system would when the computer is idle.
 void StartSaver(HWND window, const std::wstring& saverPath) {
@@ -137,11 +134,11 @@ void TrayApp::AddIcon() {
 void TrayApp::ShowMenu(POINT at) {
     const HMENU menu = CreatePopupMenu();
     if (!menu) return;
-    AppendMenuW(menu, MF_STRING, kMenuSettings, StringTable::Get(kSettingsText).c_str());
-    AppendMenuW(menu, MF_STRING, kMenuStartSaver, StringTable::Get(kStartSaverText).c_str());
-    AppendMenuW(menu, MF_STRING, kMenuOpenFolder, StringTable::Get(kOpenFolderText).c_str());
+    AppendMenuW(menu, MF_STRING, kMenuSettings, StringTable::Get(kSettingsMenuText).c_str());
+    AppendMenuW(menu, MF_STRING, kMenuStartSaver, StringTable::Get(kStartSaverMenuText).c_str());
+    AppendMenuW(menu, MF_STRING, kMenuOpenFolder, StringTable::Get(kOpenFolderMenuText).c_str());
     AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-    AppendMenuW(menu, MF_STRING, kMenuExit, StringTable::Get(kExitText).c_str());
+    AppendMenuW(menu, MF_STRING, kMenuExit, StringTable::Get(kExitMenuText).c_str());
     SetMenuDefaultItem(menu, kMenuSettings, FALSE);
     // Without the foreground the menu wouldn't close when the user clicks elsewhere.
     SetForegroundWindow(hwnd);
