@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
-# Takes the README's pictures of the presentations from the real program: scripts/run.sh on the
-# virtual display, one screenshot per presentation at a moment that shows its character, cut to
-# the first monitor and shrunk into docs/show-<presentation>.png.
+# Takes the README's pictures from the real programs on the virtual display: with scripts/run.sh,
+# one screenshot per presentation at a moment that shows its character, cut to the first monitor
+# and shrunk into docs/show-<presentation>.png; and the settings dialog of Lumivane.exe, cut to
+# its window, into docs/settings-dialog.png.
 #
-#   scripts/docs-pictures.sh [presentation:milliseconds ...] Needs ImageMagick, which it
-# installs when missing.
+#   scripts/docs-pictures.sh [presentation:milliseconds ... | settings] Needs ImageMagick and
+# xdotool, which it installs when missing.
 set -euo pipefail
 
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
-bash "$ROOT/scripts/install-deps.sh" imagemagick </dev/null
+bash "$ROOT/scripts/install-deps.sh" imagemagick xdotool </dev/null
 shots="$(mktemp -d)"
 trap 'rm -rf "$shots"' EXIT
 
@@ -16,8 +17,38 @@ trap 'rm -rf "$shots"' EXIT
 # strength, the Slider sliding out to the right, the Panner well into its move, Reflections at
 # rest, Faller with its veil lifted, FourUp with three of its four photos on. Arguments such as
 # "faller:12000" take only those.
-entries="${*:-fader:6000 slider:15500 kber:11000 reflections:9000 faller:14000 fourup:17000}"
+entries="${*:-fader:6000 slider:15500 kber:11000 reflections:9000 faller:14000 fourup:17000 settings}"
+
+# The settings dialog as a new user first sees it, in English, with the saver beside the program.
+settings_picture() {
+  cmake -S "$ROOT" -B "$ROOT/build/win" -G Ninja \
+    -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake" -DCMAKE_BUILD_TYPE=Release >/dev/null
+  cmake --build "$ROOT/build/win" --target Lumivane LumivaneApp >/dev/null
+  (
+    export LUMIVANE_BUILD_DIR="$ROOT/build"
+    # shellcheck source=scripts/wine-env.sh
+    source "$ROOT/scripts/wine-env.sh"
+    lumivane_wine_start >/dev/null
+    lumivane_wine reg delete 'HKCU\Software\LumivaneW' /f >/dev/null 2>&1 || true
+    lumivane_wine "$ROOT/build/win/Lumivane.exe" --settings &
+    local window="" i
+    for i in $(seq 100); do
+      window="$(xdotool search --onlyvisible --name '^Lumivane settings$' 2>/dev/null | head -1 || true)"
+      [ -n "$window" ] && break
+      sleep 0.2
+    done
+    [ -n "$window" ] || { echo "docs-pictures: no settings dialog" >&2; exit 1; }
+    sleep 2
+    import -window "$window" -strip "$ROOT/docs/settings-dialog.png"
+  )
+  echo "docs-pictures: docs/settings-dialog.png"
+}
+
 for entry in $entries; do
+  if [ "$entry" = settings ]; then
+    settings_picture
+    continue
+  fi
   show="${entry%%:*}"
   LUMIVANE_VIRTUAL_DISPLAY=1 LUMIVANE_PAUSE= LUMIVANE_SHOTS=1 LUMIVANE_SHOT_INTERVAL_MS="${entry#*:}" \
     bash "$ROOT/scripts/run.sh" --show "$show" "$shots/$show"

@@ -119,18 +119,27 @@ fi
 # Lumivane.scr imports only system DLLs that Windows always loads from its system folder (known
 # DLLs). Any other (a runtime DLL of the compiler, msimg32.dll, d2d1.dll) could be found beside
 # the .scr instead, so a copy planted in, say, a Downloads folder would run in the user's session.
+# Lumivane.exe may import comctl32 besides: its manifest takes common controls 6 from the system's
+# side-by-side store, never from beside the program.
 ALLOWED_IMPORTS='KERNEL32|USER32|GDI32|ADVAPI32|SHELL32|ole32|msvcrt'
-if [ "$win_built" = 1 ]; then
-  say "imports of Lumivane.scr"
-  imports="$(x86_64-w64-mingw32-objdump -p build/win/Lumivane.scr | sed -n 's/.*DLL Name: //p')"
+# check_imports FILE PATTERN: the file's imported DLLs must all match PATTERN.
+check_imports() {
+  local file="$1" allowed="$2" name imports foreign
+  name="$(basename "$file")"
+  say "imports of $name"
+  imports="$(x86_64-w64-mingw32-objdump -p "$file" | sed -n 's/.*DLL Name: //p')"
   echo "$imports" | sed 's/^/  /'
-  foreign="$(echo "$imports" | grep -viE "^($ALLOWED_IMPORTS)\.dll\$" || true)"
+  foreign="$(echo "$imports" | grep -viE "^($allowed)\.dll\$" || true)"
   if [ -z "$imports" ] || [ -n "$foreign" ]; then
-    echo "Lumivane.scr imports DLLs outside the allowed system list: ${foreign:-(no import table read)}" >&2
-    record "  Lumivane.scr imports" FAILED 0 1 0
+    echo "$name imports DLLs outside the allowed system list: ${foreign:-(no import table read)}" >&2
+    record "  $name imports" FAILED 0 1 0
   else
-    record "  Lumivane.scr imports" ok 1 0 0
+    record "  $name imports" ok 1 0 0
   fi
+}
+if [ "$win_built" = 1 ]; then
+  check_imports build/win/Lumivane.scr "$ALLOWED_IMPORTS"
+  check_imports build/win/Lumivane.exe "$ALLOWED_IMPORTS|COMCTL32"
 fi
 
 # ---- tiers 2 and 3 under Wine -------------------------------------------------------------

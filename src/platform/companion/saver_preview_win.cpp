@@ -95,6 +95,11 @@ void SaverPreview::Poll() {
     if (shown || ended || GetTickCount64() - startedAt > kLendMs) PutShowBack();
 }
 
+void SaverPreview::Keep() {
+    if (owner && timerId) KillTimer(owner, timerId);
+    showLent = false;
+}
+
 void SaverPreview::Stop() {
     PutShowBack();
     if (host) DestroyWindow(host);

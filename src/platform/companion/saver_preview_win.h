@@ -27,6 +27,9 @@ public:
     // Puts SaverShow back once the saver's window is there, or the saver has ended, or it had
     // its time; then stops the timer.
     void Poll();
+    // The store is about to be written with the user's choices, which replace what was lent:
+    // nothing is put back.
+    void Keep();
     // Ends the preview: its window goes, and the saver with it. SaverShow is put back.
     void Stop();
 

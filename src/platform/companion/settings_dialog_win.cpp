@@ -133,7 +133,8 @@ INT_PTR SettingsDialog::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
 void SettingsDialog::Command(int id, int notification) {
     switch (id) {
     case IDOK:
-        if (Save()) DestroyWindow(hwnd);
+        Save();
+        DestroyWindow(hwnd);
         return;
     case IDCANCEL: DestroyWindow(hwnd); return;
     case IDC_APPLY: Save(); return;
@@ -248,8 +249,9 @@ void SettingsDialog::RemoveFolder() {
     UpdateButtons();
 }
 
-bool SettingsDialog::Save() {
+void SettingsDialog::Save() {
     const SettingsForm form = FormOfControls();
+    preview.Keep();
     WriteSettingsForm(form);
     const bool languageChanged = form.language != stored.language;
     stored = form;
@@ -259,7 +261,6 @@ bool SettingsDialog::Save() {
         Translate();
     }
     UpdateButtons();
-    return true;
 }
 
 void SettingsDialog::RestartPreview() {

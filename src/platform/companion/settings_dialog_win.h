@@ -50,7 +50,7 @@ private:
     void UpdateButtons();
     void AddFolder();
     void RemoveFolder();
-    bool Save();
+    void Save();
     void RestartPreview();
 
     Context context;
