@@ -4,9 +4,64 @@
 #include <algorithm>
 #include <array>
 
+#include "companion/import_naming.h"
 #include "companion/utf8_text.h"
 
 namespace {
+
+TEST(ImportNaming, CameraCounterNamesAreRecognisedInAnyCase) {
+    // clang-format off
+    for (const wchar_t* stem : {L"IMG_0001", L"img0001", L"IMG-20240812-WA0003", L"DSC01234",
+             L"DSCN1234", L"dscf1234", L"_DSC1234", L"PXL_20240812_123456789.MP", L"P1010001",
+             L"GOPR1234", L"GH011234", L"MVIMG_20240812_123456", L"VID_20240812_123456",
+             L"20240812_123456", L"IMG_0001 (1)", L"Photo 2024-08-12 14 33 21",
+             L"Screenshot_20240812-143321", L"WhatsApp Image 2024-08-12 at 14.33.21"})
+        EXPECT_TRUE(IsCameraCounterName(stem)) << stem;
+    for (const wchar_t* stem : {L"Golden Gate", L"Anna 2019", L"", L"IMG", L"IMG_Holiday",
+             L"Pictures 2019", L"Vida 2", L"IMG_0001 & Co", L"DSC01234 Anna"})
+        EXPECT_FALSE(IsCameraCounterName(stem)) << stem;
+    // clang-format on
+}
+
+TEST(ImportNaming, CameraCounterNamesTakeTheFolderAndMonth) {
+    // clang-format off
+    const std::tuple<const wchar_t*, const wchar_t*, const wchar_t*> cases[] = {
+        {L"C:\\Pics\\v1.2 Anna.png",                    L"May 2019",    L"v1.2 Anna"},
+        {L"C:\\Pics\\Holiday\\IMG_0001.JPG",            L"August 2024", L"Holiday, August 2024"},
+        {L"C:\\Pics\\Rome\\2024\\08\\DSC01234.jpg",     L"Mai 2024",    L"Rome, Mai 2024"},
+        {L"\\\\nas\\photos\\DCIM\\PXL_20240812_1.MP.jpg", L"",          L"photos"},
+        {L"E:\\DCIM\\100CANON\\IMG_0001.JPG",           L"August 2024", L"August 2024"},
+        {L"E:\\DCIM\\100CANON\\IMG_0001.JPG",           L"",            L"IMG_0001"},
+        {L"IMG_0001.jpg",                               L"May 2019",    L"May 2019"},
+    };
+    // clang-format on
+    for (const auto& [path, taken, title] : cases)
+        EXPECT_EQ(ImportTitle(path, taken), title) << path;
+}
+
+TEST(ImportNaming, IdentifierHashesTheFoldedUtf16UnitsOfThePath) {
+    // clang-format off
+    const std::pair<std::wstring, std::wstring> cases[] = {
+        {L"C:\\Photos\\a.jpg", L"n5gmdft"}, {L"c:\\PHOTOS\\A.JPG", L"n5gmdft"}, {L"", L"zj4ux45"},
+        {L"D:\\Holiday\\IMG_0001.JPG", L"mh5rayj"}, {L"E:\\\U0001F600.png", L"dm2nbqa"}};
+    // clang-format on
+    for (const auto& [path, identifier] : cases) EXPECT_EQ(SourceIdentifier(path), identifier);
+}
+
+TEST(ImportNaming, CopyNamesAreFileSafeAndEndInTheImportedTail) {
+    const std::wstring x99(99, L'x');
+    // clang-format off
+    const std::pair<std::wstring, std::wstring> cases[] = {
+        {L" \t a:b*c?\"d<e>f|g/h\\i  j ", L"a b c d e f g h i j"}, {L"..Trip. . ", L"Trip"},
+        {L" . ", L""}, {std::wstring(150, L'x'), std::wstring(100, L'x')}, {x99 + L" y", x99},
+        {x99 + L"\U0001F600", x99}, // the pair would be units 100 and 101
+        {x99.substr(1) + L"\U0001F600", x99.substr(1) + L"\U0001F600"},
+        {x99 + wchar_t(0xD83D) + wchar_t(0xDE00), x99},
+        {std::wstring(L"a") + wchar_t(0xDC00), L"a\uFFFD"}};
+    // clang-format on
+    for (const auto& [title, safe] : cases)
+        EXPECT_EQ(ImportedFileName(title, L"0a1b2c3"), safe + L"-z0a1b2c3.jpg") << title;
+}
 
 TEST(Utf8Text, WideTextEncodesAlikeFromCodePointsAndFromSurrogatePairs) {
     std::string out;
