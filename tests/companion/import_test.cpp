@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "companion/import_index.h"
 #include "companion/import_naming.h"
 #include "companion/utf8_text.h"
 
@@ -69,6 +70,42 @@ TEST(Utf8Text, WideTextEncodesAlikeFromCodePointsAndFromSurrogatePairs) {
     EXPECT_EQ(out, "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80");
     ASSERT_TRUE(Utf8FromWide({wchar_t(0xD83D), wchar_t(0xDE00)}, out)); // as Windows holds it
     EXPECT_EQ(out, "\xF0\x9F\x98\x80");
+}
+
+const std::string kHeader = "lumivane-import 1\n";
+
+TEST(ImportIndex, RecordsReadBackAsWrittenAndUnrecordableOnesAreLeftOut) {
+    const std::string text =
+        kHeader + "C:\\P\\a.jpg\t10\t18446744073709551615\ta-z0000001.jpg\t900\t7\tC:\\P\n"
+                  "C:\\P\\b.jpg\t11\t0\t\t0\t0\tC:\\P\n";
+    const std::vector<ImportRecord> records = ParseImportIndex(text);
+    ASSERT_EQ(records.size(), 2u);
+    EXPECT_EQ(SerialiseImportIndex(records), text);
+    std::vector<ImportRecord> bad(3, records[0]);
+    bad[0].sourcePath += L"\t";
+    bad[1].root += wchar_t(0xD800);
+    bad[2].copyName = L"Mine.jpg";
+    EXPECT_EQ(SerialiseImportIndex(bad), kHeader);
+}
+
+TEST(ImportIndex, DamagedLinesAndOtherVersionsAreSkipped) {
+    // clang-format off
+    const std::pair<std::string, size_t> cases[] = {
+        {kHeader + "C:\\a\t1\t2\ta-z0000001.jpg\t3\t4\tC:\\\r\n", 1},
+        {kHeader + "C:\\a\t1\t2\ta-z0000001.jpg\t3\t4\tC:\\",     0}, // cut short
+        {kHeader + "C:\\a\t1\t2\ta-z0000001.jpg\t3\tC:\\\n",      0},
+        {kHeader + "C:\\a\t1\t2\ta-z0000001.JPG\t3\t4\tC:\\\n",   1},
+        {kHeader + "C:\\a\t1\t2\t-z0000001.jpg\t3\t4\tC:\\\n",    1},
+        {kHeader + "C:\\a\t1\t2\tz0000001.jpg\t3\t4\tC:\\\n",     0},
+        {kHeader + "C:\\a\t1x\t2\t\t3\t4\tC:\\\n",                0},
+        {kHeader + "C:\\a\t1\t18446744073709551616\t\t3\t4\tC:\\\n", 0},
+        {kHeader + "C:\\a\t1\t2\t..\\a-z0000001.jpg\t3\t4\tC:\\\n", 0},
+        {kHeader + "C:\\a\t1\t2\ta-Z0000001.jpg\t3\t4\tC:\\\n",   0},
+        {kHeader + "C:\\a\t1\t2\ta-z0000001.jpeg\t3\t4\tC:\\\n",  0},
+        {"lumivane-import 2\nC:\\a\t1\t2\t\t3\t4\tC:\\\n",        0},
+    };
+    // clang-format on
+    for (const auto& [text, count] : cases) EXPECT_EQ(ParseImportIndex(text).size(), count) << text;
 }
 
 } // namespace
