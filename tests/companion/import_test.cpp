@@ -6,6 +6,7 @@
 
 #include "companion/import_index.h"
 #include "companion/import_naming.h"
+#include "companion/import_size.h"
 #include "companion/utf8_text.h"
 
 namespace {
@@ -106,6 +107,23 @@ TEST(ImportIndex, DamagedLinesAndOtherVersionsAreSkipped) {
     };
     // clang-format on
     for (const auto& [text, count] : cases) EXPECT_EQ(ParseImportIndex(text).size(), count) << text;
+}
+
+TEST(ImportSize, CopiesJustCoverTheLargestMonitorAndAreNeverScaledUp) {
+    // The photo's width and height, the monitor's, the copy's; monitors below full HD count as it.
+    const std::array<uint32_t, 6> cases[] = {
+        {4000, 3000, 1280, 720, 1920, 1440},  {1920, 1080, 1920, 1080, 1920, 1080},
+        {1921, 1081, 1920, 1080, 1920, 1080}, {1922, 1080, 1920, 1080, 1922, 1080},
+        {3000, 4000, 1920, 1080, 1920, 2560}, {7680, 4321, 3840, 2160, 3840, 2161}, // 2160.5
+        {800, 600, 1920, 1080, 800, 600},     {100000, 1, 1920, 1080, 100000, 1},
+        {1, 100000, 1920, 1080, 1, 100000},   {0, 0, 1920, 1080, 1, 1}};
+    for (const auto& c : cases) {
+        const ImageSize got = CopySize({c[0], c[1]}, CopyTargetBox({{c[2], c[3]}}));
+        EXPECT_TRUE(got.width == c[4] && got.height == c[5]) << c[0] << "x" << c[1];
+    }
+    // A landscape and a portrait monitor: the box takes the larger side of each.
+    const ImageSize box = CopyTargetBox({{2560, 1440}, {1080, 1920}});
+    EXPECT_TRUE(box.width == 2560 && box.height == 1920);
 }
 
 } // namespace
