@@ -6,6 +6,7 @@
 
 #include "companion/import_index.h"
 #include "companion/import_naming.h"
+#include "companion/import_plan.h"
 #include "companion/import_size.h"
 #include "companion/utf8_text.h"
 
@@ -107,6 +108,111 @@ TEST(ImportIndex, DamagedLinesAndOtherVersionsAreSkipped) {
     };
     // clang-format on
     for (const auto& [text, count] : cases) EXPECT_EQ(ParseImportIndex(text).size(), count) << text;
+}
+
+// Records and sources of a run under C:\P (and D:\Card), by their file names.
+ImportRecord Record(const std::wstring& name, const wchar_t* copy, uint64_t copySize,
+                    uint64_t taken = 0, const std::wstring& root = L"C:\\P") {
+    return {root + L"\\" + name, 10, 100, copy, copySize, taken, root};
+}
+ImportSource Source(const std::wstring& name, uint64_t size = 10, uint64_t time = 100) {
+    return {L"C:\\P\\" + name, size, time, 0};
+}
+
+// A plan as sorted lines: "w path|root|previous copy", "d copy", "r path|copy|copy size".
+std::vector<std::wstring> Lines(const ImportPlan& plan) {
+    std::vector<std::wstring> lines(plan.deletes);
+    for (std::wstring& line : lines) line = L"d " + line;
+    for (const ImportWrite& w : plan.writes)
+        lines.push_back(L"w " + w.source.path + L"|" + w.root + L"|" + w.previous.copyName);
+    for (const ImportRecord& r : plan.records)
+        lines.push_back(L"r " + r.sourcePath + L"|" + r.copyName + L"|" +
+                        std::to_wstring(r.copySize));
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+using Names = std::vector<std::wstring>;
+
+ImportInputs Inputs() { return {{{L"C:\\P", true}}, {}, {}, {}, UINT64_MAX}; }
+
+TEST(ImportPlan, SourcesAreWrittenKeptOrDeletedByWhatChanged) {
+    ImportInputs in = Inputs();
+    in.roots.insert(in.roots.end(), {{L"C:\\P\\Sub\\", true}, {L"D:\\Card", false}});
+    // a unchanged, b changed, c gone, d failed, e failed and changed, f's folder left the list,
+    // g's copy is missing, h's folder can't be read; n is new, x lies under two chosen folders.
+    // clang-format off
+    in.index = {Record(L"a", L"a-z0000001.jpg", 9), Record(L"b", L"b-z0000002.jpg", 9),
+                Record(L"c", L"c-z0000003.jpg", 9), Record(L"d", L"", 0), Record(L"e", L"", 0),
+                Record(L"f", L"f-z0000006.jpg", 9, 0, L"C:\\Old"),
+                Record(L"g", L"g-z0000007.jpg", 9), Record(L"h", L"h-z0000008.jpg", 9, 0, L"D:\\Card")};
+    in.present = {L"A-z0000001.jpg", L"b-z0000002.jpg", L"c-z0000003.jpg", L"f-z0000006.jpg",
+                  L"h-z0000008.jpg"};
+    in.sources = {Source(L"a"), Source(L"b", 11), Source(L"d"), Source(L"e", 10, 101), Source(L"g"),
+                  Source(L"n"), {L"C:\\P\\Sub\\x", 10, 100, 1}, Source(L"SUB\\X")};
+    // clang-format on
+    const ImportPlan plan = PlanImport(in);
+    EXPECT_EQ(Lines(plan),
+              (Names{L"d c-z0000003.jpg", L"d f-z0000006.jpg", L"r C:\\P\\a|a-z0000001.jpg|9",
+                     L"r C:\\P\\d||0", L"r D:\\Card\\h|h-z0000008.jpg|9", L"w C:\\P\\SUB\\X|C:\\P|",
+                     L"w C:\\P\\b|C:\\P|b-z0000002.jpg", L"w C:\\P\\e|C:\\P|",
+                     L"w C:\\P\\g|C:\\P|g-z0000007.jpg", L"w C:\\P\\n|C:\\P|"}));
+    EXPECT_TRUE(plan.foreign.empty());
+}
+
+TEST(ImportPlan, FilesTheIndexDoesNotListAreNeverWrittenOverOrDeleted) {
+    const std::wstring own = ImportedFileName(L"b", SourceIdentifier(L"C:\\P\\b"));
+    const std::wstring users = ImportedFileName(L"n", SourceIdentifier(L"C:\\P\\n"));
+    ImportInputs in = Inputs();
+    in.index = {Record(L"b", own.c_str(), 9)};
+    in.present = {own, users, L"Mine.jpg", L"x-z0000009.jpg"};
+    in.sources = {Source(L"b", 11), Source(L"m"), Source(L"n")};
+    ImportPlan plan = PlanImport(in);
+    EXPECT_EQ(plan.foreign, (Names{users, L"Mine.jpg", L"x-z0000009.jpg"}));
+    EXPECT_TRUE(plan.deletes.empty());
+    ASSERT_EQ(plan.writes.size(), 3u); // b, m, n: equal times go by path
+    EXPECT_EQ(ClaimCopyName(plan, plan.writes[0], L"b"), own);
+    EXPECT_EQ(ClaimCopyName(plan, plan.writes[2], L"n"), L"");
+    EXPECT_FALSE(ClaimCopyName(plan, plan.writes[1], L"m").empty());
+    EXPECT_TRUE(ClaimCopyName(plan, plan.writes[1], L"m").empty()); // given out already
+}
+
+TEST(ImportPlan, TheNewestFillTheBudgetUpToTheFirstThatDoesNotFit) {
+    ImportInputs in = Inputs();
+    in.roots.push_back({L"D:\\Card", false});
+    // k2 has no taken time and was last written at 100; l was left out before.
+    in.index = {Record(L"k1", L"k1-z0000001.jpg", 400, 500), Record(L"k2", L"k2-z0000002.jpg", 400),
+                Record(L"k3", L"k3-z0000003.jpg", 100, 50), Record(L"l", L"", 300, 600),
+                Record(L"u", L"u-z0000005.jpg", 1000, 1, L"D:\\Card")};
+    in.present = {L"k1-z0000001.jpg", L"k2-z0000002.jpg", L"k3-z0000003.jpg", L"u-z0000005.jpg"};
+    in.sources = {Source(L"k1"), Source(L"k2"), Source(L"k3"), Source(L"l"), Source(L"n", 10, 450)};
+    // u's 1000 first; then l 300, k1 400, n the average of 440, k2 400: exactly 2540.
+    in.budget = 2540;
+    const ImportPlan plan = PlanImport(in);
+    EXPECT_EQ(Lines(plan), (Names{L"d k3-z0000003.jpg", L"r C:\\P\\k1|k1-z0000001.jpg|400",
+                                  L"r C:\\P\\k2|k2-z0000002.jpg|400", L"r C:\\P\\k3||100",
+                                  L"r D:\\Card\\u|u-z0000005.jpg|1000", L"w C:\\P\\l|C:\\P|",
+                                  L"w C:\\P\\n|C:\\P|"}));
+    EXPECT_EQ(plan.writes[1].estimate, 440u);
+    const ImportSummary summary = SummariseIndex(plan.records);
+    EXPECT_TRUE(summary.photos == 3 && summary.bytes == 1800);
+    in.budget = 2539;
+    EXPECT_EQ(PlanImport(in).deletes, (Names{L"k2-z0000002.jpg", L"k3-z0000003.jpg"}));
+}
+
+TEST(ImportPlan, ASecondRunOverItsOwnIndexChangesNothing) {
+    ImportInputs in = Inputs();
+    in.sources = {Source(L"Rome\\IMG_0001.jpg"), Source(L"a.png", 20, 90)};
+    ImportPlan first = PlanImport(in);
+    std::vector<ImportRecord> index;
+    for (const ImportWrite& write : first.writes) {
+        const std::wstring title = ImportTitle(write.source.path, L"May 2019");
+        index.push_back(RecordOfWrite(write, ClaimCopyName(first, write, title), 500, 7));
+        in.present.push_back(index.back().copyName);
+    }
+    in.index = ParseImportIndex(SerialiseImportIndex(index));
+    const ImportPlan second = PlanImport(in);
+    EXPECT_TRUE(second.writes.empty() && second.deletes.empty() && second.foreign.empty());
+    EXPECT_EQ(Lines(second).size(), 2u);
 }
 
 TEST(ImportSize, CopiesJustCoverTheLargestMonitorAndAreNeverScaledUp) {
