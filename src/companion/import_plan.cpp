@@ -168,7 +168,7 @@ ImportPlan PlanImport(const ImportInputs& inputs) { return Planner(inputs).Run()
 std::wstring ClaimCopyName(ImportPlan& plan, const ImportWrite& write, const std::wstring& title) {
     const std::wstring name = ImportedFileName(title, SourceIdentifier(write.source.path));
     const std::wstring key = LowerCase(name);
-    const bool own = !write.previous.copyName.empty() && key == LowerCase(write.previous.copyName);
+    const bool own = key == LowerCase(write.previous.copyName);
     if (!plan.occupied.insert(key).second && !own) return {};
     return name;
 }
