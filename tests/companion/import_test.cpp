@@ -67,8 +67,8 @@ TEST(ImportNaming, CopyNamesAreFileSafeAndEndInTheImportedTail) {
 
 TEST(Utf8Text, WideTextEncodesAlikeFromCodePointsAndFromSurrogatePairs) {
     std::string out;
-    ASSERT_TRUE(Utf8FromWide(L"a\u00e9\u0800\U0001F600", out));
-    EXPECT_EQ(out, "a\xC3\xA9\xE0\xA0\x80\xF0\x9F\x98\x80");
+    ASSERT_TRUE(Utf8FromWide(L"a\u0080\u0800\u20ac\U0010FFFF", out));
+    EXPECT_EQ(out, "a\xC2\x80\xE0\xA0\x80\xE2\x82\xAC\xF4\x8F\xBF\xBF");
     ASSERT_TRUE(Utf8FromWide({wchar_t(0xD83D), wchar_t(0xDE00)}, out)); // as Windows holds it
     EXPECT_EQ(out, "\xF0\x9F\x98\x80");
     EXPECT_FALSE(Utf8FromWide({L'a', wchar_t(0xDC00)}, out));
@@ -77,13 +77,11 @@ TEST(Utf8Text, WideTextEncodesAlikeFromCodePointsAndFromSurrogatePairs) {
 const std::string kHeader = "lumivane-import 1\n";
 
 TEST(ImportIndex, RecordsReadBackAsWrittenAndUnrecordableOnesAreLeftOut) {
-    const std::string text =
-        kHeader + "C:\\P\\a.jpg\t10\t18446744073709551615\ta-z0000001.jpg\t900\t7\tC:\\P\n"
-                  "C:\\P\\b.jpg\t11\t0\t\t0\t0\tC:\\P\n";
-    const std::vector<ImportRecord> records = ParseImportIndex(text);
-    ASSERT_EQ(records.size(), 2u);
-    EXPECT_EQ(SerialiseImportIndex(records), text);
-    std::vector<ImportRecord> bad(3, records[0]);
+    const std::string text = kHeader +
+                             "C:\\a\t1\t18446744073709551615\ta-z0000001.jpg\t9\t7\tC:\\\n" +
+                             "C:\\b\t1\t0\t\t0\t0\tC:\\\n";
+    EXPECT_EQ(SerialiseImportIndex(ParseImportIndex(text)), text);
+    std::vector<ImportRecord> bad(3, {L"C:\\a", 1, 1, L"a-z0000001.jpg", 9, 0, L"C:\\"});
     bad[0].sourcePath += L"\t";
     bad[1].root += wchar_t(0xD800);
     bad[2].copyName = L"Mine.jpg";
@@ -139,7 +137,8 @@ TEST(ImportPlan, SourcesAreWrittenKeptOrDeletedByWhatChanged) {
     ImportInputs in = Inputs();
     in.roots.insert(in.roots.end(), {{L"C:\\P\\Sub\\", true}, {L"D:\\Card", false}});
     // a unchanged, b changed, c gone, d failed, e failed and changed, f's folder left the list,
-    // g's copy is missing, h's folder can't be read; n is new, x lies under two chosen folders.
+    // g's copy is missing, h's folder can't be read; n is new, x lies under two chosen folders,
+    // and z names a folder that isn't there.
     // clang-format off
     in.index = {Record(L"a", L"a-z0000001.jpg", 9), Record(L"b", L"b-z0000002.jpg", 9),
                 Record(L"c", L"c-z0000003.jpg", 9), Record(L"d", L"", 0), Record(L"e", L"", 0),
@@ -148,7 +147,8 @@ TEST(ImportPlan, SourcesAreWrittenKeptOrDeletedByWhatChanged) {
     in.present = {L"A-z0000001.jpg", L"b-z0000002.jpg", L"c-z0000003.jpg", L"f-z0000006.jpg",
                   L"h-z0000008.jpg"};
     in.sources = {Source(L"a"), Source(L"b", 11), Source(L"d"), Source(L"e", 10, 101), Source(L"g"),
-                  Source(L"n"), {L"C:\\P\\Sub\\x", 10, 100, 1}, Source(L"SUB\\X")};
+                  Source(L"n"), {L"C:\\P\\Sub\\x", 10, 100, 1}, Source(L"SUB\\X"),
+                  {L"C:\\P\\z", 1, 1, 9}};
     // clang-format on
     const ImportPlan plan = PlanImport(in);
     // clang-format off
@@ -174,6 +174,7 @@ TEST(ImportPlan, FilesTheIndexDoesNotListAreNeverWrittenOverOrDeleted) {
     ASSERT_EQ(plan.writes.size(), 3u); // b, m, n: equal times go by path
     EXPECT_EQ(ClaimCopyName(plan, plan.writes[0], L"b"), own);
     EXPECT_EQ(ClaimCopyName(plan, plan.writes[2], L"n"), L"");
+    EXPECT_TRUE(RecordOfWrite(plan.writes[2], L"", 500, 7).Failed()); // so it isn't tried again
     EXPECT_FALSE(ClaimCopyName(plan, plan.writes[1], L"m").empty());
     EXPECT_TRUE(ClaimCopyName(plan, plan.writes[1], L"m").empty()); // given out already
 }
