@@ -23,7 +23,7 @@ struct ImportSource {
     std::wstring path;
     uint64_t size = 0;
     uint64_t writeTime = 0; // FILETIME units
-    size_t root = 0;        // index into the run's roots
+    size_t root = 0;        // index into the run's roots; a source with no such root is passed over
 };
 
 // Everything a plan is made of.
