@@ -19,7 +19,7 @@ export WINEPREFIX="$LUMIVANE_BUILD_DIR/wineprefix"
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEARCH=win64
 # Never offer to download Mono or Gecko: nothing here needs them, and the dialog would wait forever.
-export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
+export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=;winemenubuilder.exe=d}"
 
 LUMIVANE_X_PIDS=""
 LUMIVANE_X_NUMBER=""
