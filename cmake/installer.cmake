@@ -1,14 +1,14 @@
 # The target "installer": Lumivane-<version>-setup.exe in the build folder, made by NSIS from
-# installer/lumivane.nsi and the built Lumivane.scr (docs/installer.md). Not part of "all", so that
-# building the saver needs no NSIS; scripts/test.sh builds it on every run.
+# installer/lumivane.nsi, the built Lumivane.scr and the built Lumivane.exe (docs/installer.md). Not
+# part of "all", so that building the programs needs no NSIS; scripts/test.sh builds it on every run.
 find_program(LUMIVANE_MAKENSIS makensis)
 set(LUMIVANE_SETUP ${CMAKE_BINARY_DIR}/Lumivane-${PROJECT_VERSION}-setup.exe)
 if(LUMIVANE_MAKENSIS)
     add_custom_command(OUTPUT ${LUMIVANE_SETUP}
         COMMAND ${LUMIVANE_MAKENSIS} -V2 -DVERSION=${PROJECT_VERSION} -DSCR=$<TARGET_FILE:Lumivane>
-            -DICON=${CMAKE_SOURCE_DIR}/res/lumivane.ico -DOUTFILE=${LUMIVANE_SETUP}
-            ${CMAKE_SOURCE_DIR}/installer/lumivane.nsi
-        DEPENDS Lumivane ${CMAKE_SOURCE_DIR}/installer/lumivane.nsi
+            -DEXE=$<TARGET_FILE:LumivaneApp> -DICON=${CMAKE_SOURCE_DIR}/res/lumivane.ico
+            -DOUTFILE=${LUMIVANE_SETUP} ${CMAKE_SOURCE_DIR}/installer/lumivane.nsi
+        DEPENDS Lumivane LumivaneApp ${CMAKE_SOURCE_DIR}/installer/lumivane.nsi
             ${CMAKE_SOURCE_DIR}/res/lumivane.ico
         COMMENT "Building ${LUMIVANE_SETUP}"
         VERBATIM)

@@ -1,13 +1,15 @@
 ; Lumivane's Windows installer, built by the CMake target "installer" of the Windows build
 ; (makensis, see docs/installer.md). It installs for the current user only, with no
-; administrator rights: Lumivane.scr and an uninstaller go to %LOCALAPPDATA%\Programs\Lumivane,
-; an entry appears under the user's installed apps, and Lumivane becomes the user's screen saver.
+; administrator rights: Lumivane.scr, the companion Lumivane.exe and an uninstaller go to
+; %LOCALAPPDATA%\Programs\Lumivane, an entry appears under the user's installed apps, Lumivane.exe
+; gets a Start-menu shortcut and starts at sign-in, and Lumivane becomes the user's screen saver.
 ;
 ; The build passes: VERSION (major.minor.patch, from project() in CMakeLists.txt), SCR (the built
-; Lumivane.scr), ICON (res/lumivane.ico) and OUTFILE (the setup program to write).
+; Lumivane.scr), EXE (the built Lumivane.exe), ICON (res/lumivane.ico) and OUTFILE (the setup
+; program to write).
 ;
-;   Lumivane-<version>-setup.exe          interactive; offers to open the screen saver settings
-;   Lumivane-<version>-setup.exe /S       silent, for deployment; opens nothing
+;   Lumivane-<version>-setup.exe          interactive; opens Lumivane's settings at the end
+;   Lumivane-<version>-setup.exe /S       silent, for deployment; opens and starts nothing
 ;   Uninstall.exe [/S]                    in the install folder; also from the installed apps
 
 Unicode true
@@ -19,6 +21,12 @@ ManifestSupportedOS all
 
 !define PRODUCT "Lumivane"
 !define SAVER "Lumivane.scr"
+!define APP "Lumivane.exe"
+; The window of a running Lumivane.exe; it ends on WM_CLOSE.
+!define TRAY_CLASS "LumivaneTray"
+!define SHORTCUT "${PRODUCT}.lnk"
+; Programs that start at the user's sign-in.
+!define RUN_KEY "Software\Microsoft\Windows\CurrentVersion\Run"
 !define UNINSTALLER "Uninstall.exe"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Lumivane"
 ; Where Windows keeps the user's screen saver: the program in SCRNSAVE.EXE, on or off in
@@ -26,6 +34,9 @@ ManifestSupportedOS all
 !define DESKTOP_KEY "Control Panel\Desktop"
 !define SPI_SETSCREENSAVEACTIVE 17
 !define SPIF_SENDCHANGE 2
+; OpenProcess access that lets us wait for the process to end, and how long we wait, in ms.
+!define SYNCHRONIZE 0x00100000
+!define APP_END_TIMEOUT 5000
 
 Name "${PRODUCT}"
 OutFile "${OUTFILE}"
@@ -52,7 +63,10 @@ VIAddVersionKey /LANG=0 "LegalCopyright" "Copyright (C) Lumivane"
 !define MUI_WELCOMEPAGE_TEXT "Setup will install ${PRODUCT} ${VERSION} for you alone, in your own \
     programs folder, and make it your screen saver.$\r$\n$\r$\nYour photos and the ${PRODUCT} \
     data folder are not touched.$\r$\n$\r$\n$_CLICK"
+; Lumivane's own settings open after an interactive install anyway (.onInstSuccess), so the
+; system's screen saver settings are only offered.
 !define MUI_FINISHPAGE_RUN
+!define MUI_FINISHPAGE_RUN_NOTCHECKED
 !define MUI_FINISHPAGE_RUN_TEXT "Open the screen saver settings"
 !define MUI_FINISHPAGE_RUN_FUNCTION OpenScreenSaverSettings
 !insertmacro MUI_PAGE_WELCOME
@@ -72,12 +86,41 @@ VIAddVersionKey /LANG=0 "LegalCopyright" "Copyright (C) Lumivane"
     ${EndIf}
 !macroend
 
+; Ends a running Lumivane.exe of this user, so that its file can be replaced or deleted: WM_CLOSE to
+; its window makes it remove its tray icon and close its settings without saving. Waits until the
+; process has ended, at most APP_END_TIMEOUT. The uninstaller needs its own "un." copy.
+!macro EndRunningApp un
+    Function ${un}EndRunningApp
+        FindWindow $0 "${TRAY_CLASS}"
+        ${If} $0 P<> 0
+            System::Call "user32::GetWindowThreadProcessId(p r0, *i .r1)"
+            System::Call "kernel32::OpenProcess(i ${SYNCHRONIZE}, i 0, i r1) p .r2"
+            ; A hung window must not hang the setup: the message gets as long as the wait.
+            SendMessage $0 ${WM_CLOSE} 0 0 /TIMEOUT=${APP_END_TIMEOUT}
+            ${If} $2 P<> 0
+                System::Call "kernel32::WaitForSingleObject(p r2, i ${APP_END_TIMEOUT})"
+                System::Call "kernel32::CloseHandle(p r2)"
+            ${EndIf}
+        ${EndIf}
+    FunctionEnd
+!macroend
+!insertmacro EndRunningApp ""
+!insertmacro EndRunningApp "un."
+
 Section
+    ; A running Lumivane.exe keeps its file from being replaced.
+    Call EndRunningApp
     SetOutPath "$INSTDIR"
-    ; Over an older version, the file is replaced.
+    ; Over an older version, the files are replaced.
     SetOverwrite on
     File "/oname=${SAVER}" "${SCR}"
+    File "/oname=${APP}" "${EXE}"
     WriteUninstaller "$INSTDIR\${UNINSTALLER}"
+
+    ; The Start-menu entry opens the settings; at sign-in only the tray starts, quietly.
+    SetShellVarContext current
+    CreateShortcut "$SMPROGRAMS\${SHORTCUT}" "$INSTDIR\${APP}" "--settings" "$INSTDIR\${APP}" 0
+    WriteRegStr HKCU "${RUN_KEY}" "${PRODUCT}" '"$INSTDIR\${APP}"'
 
     WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayName" "${PRODUCT}"
     WriteRegStr HKCU "${UNINSTALL_KEY}" "DisplayVersion" "${VERSION}"
@@ -88,8 +131,10 @@ Section
     WriteRegStr HKCU "${UNINSTALL_KEY}" "QuietUninstallString" '"$INSTDIR\${UNINSTALLER}" /S'
     WriteRegDWORD HKCU "${UNINSTALL_KEY}" "NoModify" 1
     WriteRegDWORD HKCU "${UNINSTALL_KEY}" "NoRepair" 1
-    ; In kilobytes: the two files this installer wrote.
+    ; In kilobytes: the three files this installer wrote.
     ${GetSize} "$INSTDIR" "/M=${SAVER} /S=0K /G=0" $1 $2 $3
+    ${GetSize} "$INSTDIR" "/M=${APP} /S=0K /G=0" $4 $2 $3
+    IntOp $1 $1 + $4
     ${GetSize} "$INSTDIR" "/M=${UNINSTALLER} /S=0K /G=0" $4 $2 $3
     IntOp $1 $1 + $4
     WriteRegDWORD HKCU "${UNINSTALL_KEY}" "EstimatedSize" $1
@@ -107,13 +152,32 @@ Function OpenScreenSaverSettings
     Exec '"$SYSDIR\control.exe" desk.cpl,,@screensaver'
 FunctionEnd
 
+; Once the setup's window has closed: start the tray and open Lumivane's settings, so that a new
+; user can sign in and bring photos. A silent install starts nothing.
+Function .onInstSuccess
+    ${IfNot} ${Silent}
+        Exec '"$INSTDIR\${APP}" --settings'
+    ${EndIf}
+FunctionEnd
+
 Section "Uninstall"
+    Call un.EndRunningApp
+    Delete "$INSTDIR\${APP}"
+    ${If} ${FileExists} "$INSTDIR\${APP}"
+        ; Still running (it did not end in time): nothing else is removed, so that the uninstall
+        ; can simply be run again.
+        MessageBox MB_OK|MB_ICONEXCLAMATION "${APP} is in use. Close ${PRODUCT} and run the \
+            uninstall again." /SD IDOK
+        SetErrorLevel 2
+        Abort
+    ${EndIf}
+
     ; Taken while the file still exists: its short form needs it.
     !insertmacro SaverSelectionPath
     Delete "$INSTDIR\${SAVER}"
     ${If} ${FileExists} "$INSTDIR\${SAVER}"
-        ; Running, for instance in the preview of the screen saver settings: nothing is removed,
-        ; so that the uninstall can simply be run again.
+        ; Running, for instance in the preview of the screen saver settings: nothing else is
+        ; removed, so that the uninstall can simply be run again.
         MessageBox MB_OK|MB_ICONEXCLAMATION "${SAVER} is in use. Close the screen saver \
             settings and run the uninstall again." /SD IDOK
         SetErrorLevel 2
@@ -130,6 +194,15 @@ Section "Uninstall"
         System::Call "user32::SystemParametersInfoW(i ${SPI_SETSCREENSAVEACTIVE}, i 0, p 0, \
             i ${SPIF_SENDCHANGE})"
     ${EndIf}
+
+    ; The sign-in entry goes only while it still starts this Lumivane.exe (the comparison ignores
+    ; case): an entry the user changed since stays.
+    ReadRegStr $1 HKCU "${RUN_KEY}" "${PRODUCT}"
+    ${If} $1 == '"$INSTDIR\${APP}"'
+        DeleteRegValue HKCU "${RUN_KEY}" "${PRODUCT}"
+    ${EndIf}
+    SetShellVarContext current
+    Delete "$SMPROGRAMS\${SHORTCUT}"
 
     ; Exactly what the installer wrote. The folder goes only when nothing else is left in it;
     ; photos, the photo directory and the data folder with its log and crash reports live
