@@ -84,9 +84,71 @@ scenario_snapshot() {
 # and returns at once).
 scenario_wait_for_prefix() { timeout 120 "$LUMIVANE_WINESERVER" -w; }
 
-# An administrator's deployment, in a fresh prefix: a silent install, a run of the installed saver,
-# a silent uninstall; then again over an older file, with the user choosing another saver in
-# between. The user's photos and data folder from before stay byte for byte the same.
+# scenario_within SECONDS COMMAND...: runs COMMAND every quarter second until it succeeds, for at
+# most SECONDS.
+scenario_within() {
+  local tries=$(($1 * 4)); shift
+  until "$@"; do
+    tries=$((tries - 1))
+    [ "$tries" -gt 0 ] || return 1
+    sleep 0.25
+  done
+}
+
+# The command lines of the running Lumivane.exe processes of this prefix, one a line (Wine gives a
+# program's process its Windows command line). Processes of other prefixes on the machine, such as
+# a developer's own run, are left out.
+scenario_app_processes() {
+  local pid
+  for pid in $(pgrep -f 'Lumivane\.exe'); do
+    # A process that ended meanwhile has neither file any more.
+    { tr '\0' '\n' <"/proc/$pid/environ" | grep -qxF "WINEPREFIX=$WINEPREFIX" &&
+      tr '\0' ' ' <"/proc/$pid/cmdline" | sed 's/ *$//'; } 2>/dev/null
+  done
+}
+
+# scenario_app_is COMMAND_LINE: exactly one Lumivane.exe of this prefix runs, with that command line.
+scenario_app_is() { [ "$(scenario_app_processes)" = "$1" ]; }
+scenario_app_ended() { [ -z "$(scenario_app_processes)" ]; }
+
+# Starts the Lumivane.exe at the Unix path $1 in the background, as the user's tray, and returns
+# once its tray window exists (Wine's trace of window creation names the class), so that an
+# installer run next finds it.
+scenario_start_tray() {
+  local trace
+  trace="$(mktemp)"
+  WINEDEBUG=-all,+win lumivane_wine "$1" 2>"$trace" &
+  scenario_within 20 grep -q 'WIN_CreateWindowEx .* L"LumivaneTray"' "$trace"
+  local status=$?
+  # The window exists once the call that the trace names returns.
+  sleep 0.5
+  rm -f "$trace"
+  return "$status"
+}
+
+# Runs the setup program at the Unix path $1 interactively, as a user who takes every default:
+# Enter on each page is Next on the first and Finish on the last one (and does nothing while the
+# files are written). Returns the setup's exit code once it has ended, at most 60 s later.
+scenario_setup_with_defaults() {
+  local class="${1##*/}" pid window i
+  class="${class,,}"
+  lumivane_wine "$1" &
+  pid=$!
+  for i in $(seq 120); do
+    kill -0 "$pid" 2>/dev/null || break
+    window="$(xdotool search --onlyvisible --classname "^${class//./\\.}\$" 2>/dev/null | head -1)"
+    [ -z "$window" ] || xdotool windowfocus "$window" key Return 2>/dev/null
+    sleep 0.5
+  done
+  kill "$pid" 2>/dev/null
+  wait "$pid"
+}
+
+# An administrator's deployment, in a fresh prefix: a silent install, a run of the installed saver
+# and of Lumivane.exe from its Start-menu shortcut, a silent uninstall; then again over an older
+# version whose Lumivane.exe runs, with the user choosing another saver and changing the sign-in
+# entry in between; last, a user's interactive install. The user's photos and data folder from
+# before stay byte for byte the same.
 scenario_installer() {
   local version setup
   version="$(sed -n 's/^project(Lumivane VERSION \([0-9.]*\).*/\1/p' "$LUMIVANE_ROOT/CMakeLists.txt")"
@@ -112,6 +174,9 @@ scenario_installer_steps() {
   local win_folder="$win_home\\AppData\\Local\\Programs\\Lumivane"
   local entry='HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Lumivane'
   local desktop='HKCU\Control Panel\Desktop'
+  local run='HKCU\Software\Microsoft\Windows\CurrentVersion\Run'
+  local shortcut="$home/AppData/Roaming/Microsoft/Windows/Start Menu/Programs/Lumivane.lnk"
+  local app="$LUMIVANE_ROOT/build/win/Lumivane.exe"
   # The user's photos, and a data folder with a log and a crash report, from before: with every
   # folder that a start of the saver makes, so that the run itself changes nothing either.
   scenario_photos "$home/Documents"
@@ -129,6 +194,12 @@ scenario_installer_steps() {
     cmp -s "$folder/Lumivane.scr" "$LUMIVANE_ROOT/build/win/Lumivane.scr"
   scenario_check "the silent install opens nothing" \
     scenario_not grep -qiE 'Loaded L"[^"]*(control|rundll32)\.exe' "$trace"
+  scenario_check "the silent install puts Lumivane.exe beside the saver" \
+    cmp -s "$folder/Lumivane.exe" "$app"
+  scenario_check "the silent install starts no Lumivane.exe" scenario_app_ended
+  scenario_check "the silent install adds Lumivane to the Start menu" test -f "$shortcut"
+  scenario_check "Lumivane.exe starts at sign-in" \
+    test "$(scenario_reg_value "$run" Lumivane)" = "\"$win_folder\\Lumivane.exe\""
   local name expected
   while IFS='|' read -r name expected; do
     scenario_check "installed apps: $name is $expected" \
@@ -141,8 +212,13 @@ DisplayIcon|$win_folder\\Lumivane.scr,0
 UninstallString|"$win_folder\\Uninstall.exe"
 QuietUninstallString|"$win_folder\\Uninstall.exe" /S
 EOT
-  scenario_check "installed apps: a size" \
-    test "$(scenario_reg_value "$entry" EstimatedSize)" != 0x0
+  # In whole kilobytes, the three files each rounded down.
+  local size=0 file
+  for file in Lumivane.scr Lumivane.exe Uninstall.exe; do
+    size=$((size + $(stat -c %s "$folder/$file") / 1024))
+  done
+  scenario_check "installed apps: the size of the three files" \
+    test "$(scenario_reg_value "$entry" EstimatedSize)" = "$(printf '0x%x' "$size")"
   local selected
   selected="$(scenario_reg_value "$desktop" SCRNSAVE.EXE)"
   scenario_check "Lumivane is the screen saver (SCRNSAVE.EXE=$selected)" \
@@ -152,25 +228,50 @@ EOT
   scenario_check "the installed saver opens its windows and ends on a mouse move" \
     lumivane_run_saver "$win_folder\\Lumivane.scr" 2>/dev/null
 
-  lumivane_wine "$folder/Uninstall.exe" /S && scenario_wait_for_prefix
+  # What a click on the Start-menu entry does: the shell starts the shortcut's target.
+  lumivane_wine start /unix "$shortcut"
+  scenario_check "the Start-menu shortcut opens the settings of the installed Lumivane.exe" \
+    scenario_within 20 scenario_app_is "$win_folder\\Lumivane.exe --settings"
+
+  lumivane_wine "$folder/Uninstall.exe" /S
+  scenario_check "the silent uninstall ends the running Lumivane.exe" scenario_within 10 scenario_app_ended
+  scenario_wait_for_prefix
   scenario_check "the silent uninstall removes the folder" test ! -e "$folder"
+  scenario_check "the silent uninstall removes the Start-menu shortcut" test ! -e "$shortcut"
+  scenario_check "the silent uninstall removes the sign-in entry" \
+    scenario_not lumivane_wine reg query "$run" /v Lumivane
   scenario_check "the silent uninstall removes the installed-apps entry" \
     scenario_not lumivane_wine reg query "$entry"
   scenario_check "the silent uninstall removes the selection" \
     test -z "$(scenario_reg_value "$desktop" SCRNSAVE.EXE)"
   scenario_check "the screen saver is off" test "$(scenario_reg_value "$desktop" ScreenSaveActive)" = 0
 
-  # Again, over an older version, and the user picks another saver before the uninstall.
-  mkdir -p "$folder" && echo "an older Lumivane.scr" >"$folder/Lumivane.scr"
+  # Again, over an older version whose tray runs (a program with bytes after its image runs as
+  # before), and the user picks another saver and changes the sign-in entry before the uninstall.
+  mkdir -p "$folder" && echo "an older Lumivane.scr" >"$folder/Lumivane.scr" &&
+    { cat "$app" && echo "an older Lumivane.exe"; } >"$folder/Lumivane.exe"
+  scenario_start_tray "$folder/Lumivane.exe" || scenario_fail "the older Lumivane.exe did not start"
   lumivane_wine "$setup" /S 2>/dev/null
   scenario_check "an install over an older version replaces it" \
     cmp -s "$folder/Lumivane.scr" "$LUMIVANE_ROOT/build/win/Lumivane.scr"
-  local other='C:\windows\system32\other.scr'
+  scenario_check "an install over a running Lumivane.exe replaces it" cmp -s "$folder/Lumivane.exe" "$app"
+  local other='C:\windows\system32\other.scr' own_run="\"C:\\Tools\\Lumivane.exe\" --quiet"
   lumivane_wine reg add "$desktop" /v SCRNSAVE.EXE /d "$other" /f >/dev/null 2>&1
+  lumivane_wine reg add "$run" /v Lumivane /d "$own_run" /f >/dev/null 2>&1
   lumivane_wine "$folder/Uninstall.exe" /S && scenario_wait_for_prefix
   scenario_check "a user who chose another saver keeps it" \
     test "$(scenario_reg_value "$desktop" SCRNSAVE.EXE)" = "$other"
+  scenario_check "a sign-in entry the user changed stays" \
+    test "$(scenario_reg_value "$run" Lumivane)" = "$own_run"
   scenario_check "the second uninstall removes the folder" test ! -e "$folder"
+
+  # A user's own install, taking every page's default.
+  WINEDEBUG=-all,+loaddll scenario_setup_with_defaults "$setup" 2>"$trace"
+  scenario_check "an interactive install opens Lumivane's settings at the end" \
+    scenario_within 20 scenario_app_is "$win_folder\\Lumivane.exe --settings"
+  scenario_check "an interactive install opens the screen saver settings only when asked" \
+    scenario_not grep -qi 'Loaded L"[^"]*control\.exe' "$trace"
+  lumivane_wine "$folder/Uninstall.exe" /S && scenario_wait_for_prefix
 
   scenario_check "photos and data folder are byte for byte the same" \
     test "$(scenario_snapshot "$photos" "$data")" = "$before"
