@@ -61,8 +61,9 @@ VIAddVersionKey /LANG=0 "LegalCopyright" "Copyright (C) Lumivane"
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
 !define MUI_WELCOMEPAGE_TEXT "Setup will install ${PRODUCT} ${VERSION} for you alone, in your own \
-    programs folder, and make it your screen saver.$\r$\n$\r$\nYour photos and the ${PRODUCT} \
-    data folder are not touched.$\r$\n$\r$\n$_CLICK"
+    programs folder, and make it your screen saver. ${PRODUCT} will start when you sign in, with \
+    its icon in the notification area.$\r$\n$\r$\nYour photos and the ${PRODUCT} data folder are \
+    not touched.$\r$\n$\r$\n$_CLICK"
 ; Lumivane's own settings open after an interactive install anyway (.onInstSuccess), so the
 ; system's screen saver settings are only offered.
 !define MUI_FINISHPAGE_RUN
@@ -166,8 +167,8 @@ Section "Uninstall"
     ${If} ${FileExists} "$INSTDIR\${APP}"
         ; Still running (it did not end in time): nothing else is removed, so that the uninstall
         ; can simply be run again.
-        MessageBox MB_OK|MB_ICONEXCLAMATION "${APP} is in use. Close ${PRODUCT} and run the \
-            uninstall again." /SD IDOK
+        MessageBox MB_OK|MB_ICONEXCLAMATION "${APP} is in use. Exit ${PRODUCT} from its icon in \
+            the notification area and run the uninstall again." /SD IDOK
         SetErrorLevel 2
         Abort
     ${EndIf}
@@ -176,8 +177,8 @@ Section "Uninstall"
     !insertmacro SaverSelectionPath
     Delete "$INSTDIR\${SAVER}"
     ${If} ${FileExists} "$INSTDIR\${SAVER}"
-        ; Running, for instance in the preview of the screen saver settings: nothing else is
-        ; removed, so that the uninstall can simply be run again.
+        ; Running, for instance in the preview of the screen saver settings: nothing more than
+        ; Lumivane.exe is removed, so that the uninstall can simply be run again.
         MessageBox MB_OK|MB_ICONEXCLAMATION "${SAVER} is in use. Close the screen saver \
             settings and run the uninstall again." /SD IDOK
         SetErrorLevel 2
