@@ -127,14 +127,14 @@ scenario_start_tray() {
 }
 
 # Runs the setup program at the Unix path $1 interactively, as a user who takes every default:
-# Enter on each page is Next on the first and Finish on the last one (and does nothing while the
+# Enter on each page is Install on the first and Finish on the last one (and does nothing while the
 # files are written). Returns the setup's exit code once it has ended, at most 60 s later.
 scenario_setup_with_defaults() {
-  local class="${1##*/}" pid window i
+  local class="${1##*/}" pid window
   class="${class,,}"
   lumivane_wine "$1" &
   pid=$!
-  for i in $(seq 120); do
+  for _ in $(seq 120); do
     kill -0 "$pid" 2>/dev/null || break
     window="$(xdotool search --onlyvisible --classname "^${class//./\\.}\$" 2>/dev/null | head -1)"
     [ -z "$window" ] || xdotool windowfocus "$window" key Return 2>/dev/null
