@@ -5,6 +5,7 @@
 #include <wrl/client.h>
 
 #include "photos/image_decoder.h"
+#include "platform/win_handles.h"
 
 using Microsoft::WRL::ComPtr;
 
@@ -67,18 +68,17 @@ ComPtr<IWICBitmapSource> BuildChain(const OpenFrame& opened, const DecodeGeometr
 } // namespace
 
 uint32_t ReadOrientation(IWICBitmapFrameDecode* frame) {
-    uint32_t tag = 1;
     ComPtr<IWICMetadataQueryReader> reader;
-    if (SUCCEEDED(frame->GetMetadataQueryReader(&reader))) {
-        PROPVARIANT value;
-        PropVariantInit(&value);
-        if (SUCCEEDED(reader->GetMetadataByName(L"/app1/ifd/{ushort=274}", &value)) &&
-            value.vt == VT_UI2) {
-            tag = value.uiVal;
-        }
-        PropVariantClear(&value);
+    if (FAILED(frame->GetMetadataQueryReader(&reader))) return 0;
+    // The tag's place in a JPEG and in a TIFF, then the property system's name, which the
+    // decoders of the other containers (HEIF, JPEG XR, ...) answer.
+    for (const wchar_t* name :
+         {L"/app1/ifd/{ushort=274}", L"/ifd/{ushort=274}", L"System.Photo.Orientation"}) {
+        PropVariantValue value;
+        if (SUCCEEDED(reader->GetMetadataByName(name, value.Get())) && (*value).vt == VT_UI2)
+            return OrientationTransform((*value).uiVal);
     }
-    return OrientationTransform(tag);
+    return 0;
 }
 
 bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool cover, void* pixels,

@@ -9,8 +9,9 @@
 
 // The imaging component's side of decoding (the front ends are in photos/image_decoder.h).
 
-// The flip-rotator's transform for the orientation tag of `frame`; 0 when the frame has none,
-// the query fails or the value isn't an unsigned 16-bit number.
+// The flip-rotator's transform for the orientation tag of `frame` (in a JPEG's or a TIFF's EXIF,
+// else as the property system names it); 0 when the frame has none, the query fails or the value
+// isn't an unsigned 16-bit number.
 uint32_t ReadOrientation(IWICBitmapFrameDecode* frame);
 
 // The crossfade's decoding: on success `bitmap` is a new top-down 32-bit DIB section of exactly

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <objbase.h>
+#include <propidl.h>
 
 #include <utility>
 
@@ -104,6 +105,20 @@ public:
 
 private:
     HRESULT result;
+};
+
+// A PROPVARIANT for a call to fill, cleared at the end of its scope.
+class PropVariantValue {
+public:
+    PropVariantValue() { PropVariantInit(&value); }
+    ~PropVariantValue() { PropVariantClear(&value); }
+    PropVariantValue(const PropVariantValue&) = delete;
+    PropVariantValue& operator=(const PropVariantValue&) = delete;
+    PROPVARIANT* Get() { return &value; }
+    const PROPVARIANT& operator*() const { return value; }
+
+private:
+    PROPVARIANT value;
 };
 
 // Frees a GDI object handed to the logic as an opaque PlatformObject.
