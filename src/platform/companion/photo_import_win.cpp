@@ -198,8 +198,7 @@ bool WriteJpeg(IWICImagingFactory* factory, const std::wstring& path, const Pixe
     ComPtr<IPropertyBag2> options;
     PROPBAG2 option{};
     option.pstrName = const_cast<LPOLESTR>(L"ImageQuality");
-    VARIANT quality;
-    VariantInit(&quality);
+    VARIANT quality{}; // zeroed, as VariantInit would, without importing oleaut32 for it
     quality.vt = VT_R4;
     quality.fltVal = kJpegQuality;
     WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
