@@ -28,6 +28,7 @@
 #include <vector>
 
 #include "bench/probe_surface.h"
+#include "companion/import_size.h"
 #include "photos/image_decoder.h"
 #include "platform/companion/photo_import_win.h"
 #include "platform/win_handles.h"
@@ -113,14 +114,6 @@ int Show(ComApartment& apartment, const wchar_t* directory, const wchar_t* show,
     return 0;
 }
 
-// The copy's size: the smallest that covers 1920 x 1080, as the import asks for one monitor of
-// that size.
-ImageSize CoverFullHd(ImageSize upright) {
-    const double scale = std::min(1.0, std::max(1920.0 / upright.width, 1080.0 / upright.height));
-    return {static_cast<uint32_t>(upright.width * scale + 0.5),
-            static_cast<uint32_t>(upright.height * scale + 0.5)};
-}
-
 double PeakMb() {
     PROCESS_MEMORY_COUNTERS counters{};
     counters.cb = sizeof counters;
@@ -136,12 +129,14 @@ int Import(int runs, int count, wchar_t** files) {
     Microsoft::WRL::ComPtr<IWICImagingFactory> factory; // one for all photos, as the import has
     CoCreateInstance(CLSID_WICImagingFactory1, nullptr, CLSCTX_INPROC_SERVER,
                      IID_PPV_ARGS(&factory));
+    // The copy's size as the import asks for one monitor of 1920 x 1080.
+    const auto fullHd = [](ImageSize upright) { return CopySize(upright, {1920, 1080}); };
     ImportedPhotoInfo info; // a first import loads the imaging DLLs, which no photo pays again
-    ImportPhoto(files[0], copy, CoverFullHd, info, factory.Get());
+    ImportPhoto(files[0], copy, fullHd, info, factory.Get());
     for (int i = 0; i < count; ++i) {
         const double start = NowMs();
         for (int run = 0; run < runs; ++run)
-            if (!ImportPhoto(files[i], copy, CoverFullHd, info, factory.Get())) return 1;
+            if (!ImportPhoto(files[i], copy, fullHd, info, factory.Get())) return 1;
         std::wprintf(L"%ux%u %.1f %ux%u %llu %ls\n", info.upright.width, info.upright.height,
                      (NowMs() - start) / runs, info.written.width, info.written.height,
                      static_cast<unsigned long long>(info.writtenBytes), files[i]);
