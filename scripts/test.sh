@@ -41,7 +41,8 @@ gtest_count() {
 }
 
 say "dependencies"
-if ! bash scripts/install-deps.sh </dev/null; then
+# ImageMagick and real photos for the import's scenario.
+if ! bash scripts/install-deps.sh imagemagick mate-backgrounds </dev/null; then
   echo "test.sh: installing the dependencies failed" >&2
   exit 1
 fi
@@ -203,6 +204,8 @@ if [ "$win_built" = 1 ]; then
     source "$ROOT/tests/e2e/scenarios.sh"
     say "tier 3: a DLL planted beside the saver"
     run_scenario "3 planted DLL (Wine)" scenario_planted_dll
+    say "tier 3: the import of a user's photos"
+    run_scenario "3 import (Wine)" scenario_import
     say "tier 3: install and uninstall in a fresh prefix"
     run_scenario "3 installer (Wine, fresh prefix)" scenario_installer
     lumivane_wine_stop

@@ -26,7 +26,7 @@ bool SettingsForm::operator==(const SettingsForm& other) const {
     return show == other.show && pauseIndex == other.pauseIndex && fit == other.fit &&
            shuffle == other.shuffle && titles == other.titles &&
            importedTitles == other.importedTitles && language == other.language &&
-           folders == other.folders;
+           folders == other.folders && budgetIndex == other.budgetIndex;
 }
 
 const wchar_t* ShowValue(SettingsForm::Show show) {
@@ -47,6 +47,10 @@ SettingsForm ReadSettingsForm(const std::wstring& defaultFolder) {
     const std::wstring language = Settings::ReadString(kValueLanguage);
     for (int32_t number = 0; number < kLanguageCount; ++number)
         if (language == kLanguageCodes[number]) form.language = number + 1;
+    // A size that isn't one of the choices (set by hand) shows as the default.
+    const int32_t budget = Settings::ReadDword(kValueImportBudget, 0);
+    for (int32_t choice = 0; choice < kBudgetCount; ++choice)
+        if (budget == kBudgetMegabytes[choice]) form.budgetIndex = choice;
     if (auto folders = Settings::ReadStrings(kValueImportFolders)) {
         form.folders = std::move(*folders);
     } else if (!defaultFolder.empty()) {
@@ -68,6 +72,15 @@ void WriteSettingsForm(const SettingsForm& form) {
     const bool known = form.language > 0 && form.language <= kLanguageCount;
     Settings::WriteString(kValueLanguage, known ? kLanguageCodes[form.language - 1] : L"");
     Settings::WriteStrings(kValueImportFolders, form.folders);
+    const bool chosen = form.budgetIndex >= 0 && form.budgetIndex < kBudgetCount;
+    Settings::WriteDword(kValueImportBudget,
+                         kBudgetMegabytes[chosen ? form.budgetIndex : kDefaultBudgetIndex]);
+}
+
+uint64_t ImportBudgetBytes() {
+    const int32_t megabytes = Settings::ReadDword(kValueImportBudget, 0);
+    const int32_t stored = megabytes > 0 ? megabytes : kBudgetMegabytes[kDefaultBudgetIndex];
+    return uint64_t(stored) * 1024 * 1024;
 }
 
 size_t AddFolder(std::vector<std::wstring>& folders, const std::wstring& folder) {

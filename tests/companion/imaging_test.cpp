@@ -11,6 +11,7 @@
 #include "companion/downscaler.h"
 #include "companion/image_header.h"
 #include "companion/imported_photo.h"
+#include "companion/jpeg_exif.h"
 #include "companion/pixel_orientation.h"
 
 namespace {
@@ -69,6 +70,61 @@ TEST(ImageHeader, ClaimedSizesOfEachKnownFormat) {
             return count;
         });
         EXPECT_EQ(claimed ? Size(claimed->width, claimed->height) : Size(), size) << bytes.size();
+    }
+}
+
+// The orientation and the date come from the file's own EXIF segment, in either byte order, with
+// every offset checked: Wine's metadata reader finds neither.
+TEST(JpegExif, OrientationAndDateReadInEitherByteOrderWithinTheSegment) {
+    const std::string date = "2024:08:12 10:30:00";
+    // IFD0 at 8: the orientation and the EXIF directory at 38; there, the date's text at 56.
+    const auto Tiff = [&](bool little, uint32_t orientation, uint32_t dateAt) {
+        const auto u16 = little ? Le16 : Be16;
+        const auto u32 = [&](uint32_t v) { return little ? u16(v) + u16(0) : u16(0) + u16(v); };
+        return File({little ? "II" : "MM",
+                     u16(42),
+                     u32(8),
+                     u16(2),
+                     u16(0x0112),
+                     u16(3),
+                     u32(1),
+                     u16(orientation),
+                     u16(0),
+                     u16(0x8769),
+                     u16(4),
+                     u32(1),
+                     u32(38),
+                     u32(0),
+                     u16(1),
+                     u16(0x9003),
+                     u16(2),
+                     u32(20),
+                     u32(dateAt),
+                     u32(0),
+                     date,
+                     std::string(1, '\0')});
+    };
+    const std::string soi = "\xFF\xD8", exif = std::string("Exif") + std::string(2, '\0');
+    // clang-format off
+    const std::tuple<std::string, uint32_t, std::string> cases[] = {
+        {File({soi, Segment(0xE1, exif + Tiff(true, 6, 56)), Frame(0xC0, 8, 8)}), 6, date},
+        {File({soi, Segment(0xE0, "JFIF"), Segment(0xE1, exif + Tiff(false, 8, 56))}), 8, date},
+        {File({soi, Segment(0xE1, exif + Tiff(true, 9, 56))}), 0, date},        // no such tag
+        {File({soi, Segment(0xE1, exif + Tiff(true, 3, 500))}), 3, ""},         // date outside
+        {File({soi, Segment(0xE1, "XMP" + Tiff(true, 6, 56))}), 0, ""},         // not EXIF
+        {File({soi, Frame(0xC0, 8, 8), Segment(0xE1, exif + Tiff(true, 6, 56))}), 0, ""},
+        {File({soi, Segment(0xE1, exif + Tiff(true, 6, 56))}).substr(0, 30), 0, ""},
+        {File({"\x89PNG", Segment(0xE1, exif + Tiff(true, 6, 56))}), 0, ""},
+    };
+    // clang-format on
+    for (const auto& [bytes, orientation, taken] : cases) {
+        const JpegExif read = ReadJpegExif([&](uint64_t offset, uint8_t* buffer, size_t count) {
+            count = offset < bytes.size() ? std::min<size_t>(count, bytes.size() - offset) : 0;
+            std::copy_n(bytes.data() + offset, count, buffer);
+            return count;
+        });
+        EXPECT_EQ(read.orientation, orientation) << bytes.size();
+        EXPECT_EQ(read.dateTaken, taken) << bytes.size();
     }
 }
 

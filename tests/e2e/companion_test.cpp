@@ -208,6 +208,7 @@ TEST_F(CompanionTest, DialogWritesItsChoicesOnOkOnlyAndSpeaksTheChosenLanguage) 
     auto folders = Text(pictures);
     folders.insert(folders.end(), {0, 0});
     expected[L"ImportFolders"] = {REG_MULTI_SZ, folders};
+    expected[L"ImportBudget"] = {REG_DWORD, Number(2048)};
     const auto after = Options();
     EXPECT_TRUE(after == expected);
     for (const auto& [name, value] : expected)

@@ -278,3 +278,98 @@ EOT
   rm -f "$trace"
   [ "$scenario_failures" -eq 0 ]
 }
+
+# A JPEG of $1 with an orientation tag 6 (turn right to show it upright) written into $2: an EXIF
+# segment of one entry, right after the start of the image.
+scenario_jpeg_turned_right() {
+  { printf '\xff\xd8\xff\xe1\x00\x22Exif\x00\x00MM\x00\x2a\x00\x00\x00\x08\x00\x01\x01\x12'
+    printf '\x00\x03\x00\x00\x00\x01\x00\x06\x00\x00\x00\x00\x00\x00'
+    tail -c +3 "$1"; } >"$2"
+}
+
+# Name, width, height and size in bytes of every file of the folder $1, one per line, in order.
+scenario_listing() {
+  (cd "$1" && for f in *; do [ -f "$f" ] && printf '%s %s %s\n' "$f" "$(identify -format '%w %h' "$f[0]" 2>/dev/null)" "$(stat -c '%s %Y' "$f")"; done) | sort
+}
+
+# The import of a user's photos by the real Lumivane.exe --import: real photos of several sizes,
+# one turned by its orientation tag, a PNG in a sub-folder, a corrupt and an empty file, a second
+# chosen folder, and a photo that the user put into the saver's folder by hand under a name like
+# an imported one. Then the saver shows what came in.
+scenario_import() {
+  scenario_failures=0
+  local base="$WINEPREFIX/drive_c/lumivane-import" win_base='C:\lumivane-import'
+  local holidays="$base/Holidays" other="$base/Other" nature=/usr/share/backgrounds/mate/nature
+  local saver_dir="$base/tree/Lumivane/Lumivane ScreenSaver" exe
+  exe="$LUMIVANE_ROOT/build/win/Lumivane.exe"
+  rm -rf "$base"
+  mkdir -p "$holidays/Beach" "$other" "$saver_dir"
+  convert "$nature/Aqua.jpg" -quality 92 "$holidays/Lake at dawn.jpg" &&
+    convert "$nature/Aqua.jpg" -resize 1200x800 "$holidays/Small pond.jpg" &&
+    convert -size 1600x1200 xc:red -fill blue -draw 'rectangle 0,600 1599,1199' "$base/turned.jpg" &&
+    scenario_jpeg_turned_right "$base/turned.jpg" "$holidays/IMG_0042.jpg" &&
+    convert "$nature/Storm.jpg" "$holidays/Beach/Sand.png" &&
+    cp "$nature/Garden.jpg" "$other/Hill.jpg" || return 1
+  head -c 20000 "$holidays/Lake at dawn.jpg" >"$holidays/Cut short.jpg"
+  : >"$holidays/Empty.jpg"
+  echo "not a photo" >"$holidays/Notes.jpg"
+  cp "$LUMIVANE_PHOTO" "$saver_dir/Mine-z1234567.jpg"
+  lumivane_wine reg add 'HKCU\Software\LumivaneW' /v ImportsDir /d "$win_base\\tree" /f >/dev/null 2>&1
+  lumivane_wine reg add 'HKCU\Software\LumivaneW' /v ImportFolders /t REG_MULTI_SZ \
+    /d "$win_base\\Holidays\\0$win_base\\Other" /f >/dev/null 2>&1
+  local sources mine
+  sources="$(scenario_snapshot "$holidays" "$other")"
+  mine="$(sha256sum "$saver_dir/Mine-z1234567.jpg")"
+
+  lumivane_wine "$exe" --import 2>/dev/null
+  local listing
+  listing="$(scenario_listing "$saver_dir")"
+  echo "$listing" | sed 's/^/  /'
+  # Copies cover 1920x1080 (the virtual monitors are smaller), are never scaled up, and keep
+  # their proportions; the photo turned by its tag comes out upright, named after its folder.
+  local name width height
+  while IFS='|' read -r name width height; do
+    scenario_check "a copy $name, ${width}x$height" \
+      grep -qE "^$name-z[0-9a-z]{7}\\.jpg $width $height " <<<"$listing"
+  done <<EOT
+Lake at dawn|1920|1200
+Small pond|1200|750
+Holidays|1200|1600
+Sand|1920|1280
+Hill|1920|1200
+EOT
+  scenario_check "nothing else: no copy of the corrupt, empty or foreign files" \
+    test "$(wc -l <<<"$listing")" = 6
+  local turned
+  turned="$(ls "$saver_dir"/Holidays-z*.jpg 2>/dev/null | head -1)"
+  scenario_check "the turned photo is upright: blue at the left, red at the right" \
+    test "$(convert "$turned" -format '%[fx:p{20,800}.b>0.8 && p{1180,800}.r>0.8]' info: 2>/dev/null)" = 1
+  scenario_check "no copy carries an orientation tag" \
+    scenario_not grep -l 'exif:Orientation' <(identify -verbose "$saver_dir"/*-z*.jpg 2>/dev/null)
+  scenario_check "the sources are byte for byte the same" \
+    test "$(scenario_snapshot "$holidays" "$other")" = "$sources"
+  scenario_check "the hand-placed photo is untouched" \
+    test "$(sha256sum "$saver_dir/Mine-z1234567.jpg")" = "$mine"
+  scenario_check "no part files are left" scenario_not ls "$saver_dir"/*.lumivane-part
+
+  sleep 1
+  lumivane_wine "$exe" --import 2>/dev/null
+  scenario_check "a second run writes nothing" test "$(scenario_listing "$saver_dir")" = "$listing"
+
+  lumivane_wine reg add 'HKCU\Software\LumivaneW' /v ImportFolders /t REG_MULTI_SZ \
+    /d "$win_base\\Holidays" /f >/dev/null 2>&1
+  lumivane_wine "$exe" --import 2>/dev/null
+  scenario_check "a folder taken off the list takes exactly its copies along" \
+    test "$(scenario_listing "$saver_dir")" = "$(grep -v '^Hill-z' <<<"$listing")"
+
+  # The saver shows the imported photos with their captions.
+  local shots="$LUMIVANE_BUILD_DIR/import-shots"
+  rm -rf "$shots" && mkdir -p "$shots"
+  scenario_check "the saver shows the imported photos" \
+    lumivane_run_saver "$LUMIVANE_ROOT/build/win/Lumivane.scr" "$shots" 1 4000
+  scenario_check "a photo is on the screen" \
+    test "$(convert "$shots/shot-1.png" -format '%[fx:mean>0.1]' info: 2>/dev/null)" = 1
+  lumivane_wine reg delete 'HKCU\Software\LumivaneW' /v ImportsDir /f >/dev/null 2>&1
+  lumivane_wine reg delete 'HKCU\Software\LumivaneW' /v ImportFolders /f >/dev/null 2>&1
+  [ "$scenario_failures" -eq 0 ]
+}

@@ -3,16 +3,17 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <knownfolders.h>
-#include <shlobj.h>
 
+#include <atomic>
 #include <string>
+#include <vector>
 
 #include "companion/start_plan.h"
 #include "diagnostics/crash_reporter.h"
 #include "diagnostics/string_table.h"
 #include "library/companion.h"
 #include "library/data_paths.h"
+#include "platform/companion/import_run_win.h"
 #include "platform/companion/tray_win.h"
 #include "platform/process_start_win.h"
 #include "platform/win_handles.h"
@@ -42,14 +43,6 @@ void HandOver() {
     PostMessageW(tray, RegisterWindowMessageW(kOpenSettingsMessage), 0, 0);
 }
 
-std::wstring PicturesFolder() {
-    PWSTR path = nullptr;
-    std::wstring folder;
-    if (SUCCEEDED(SHGetKnownFolderPath(FOLDERID_Pictures, 0, nullptr, &path))) folder = path;
-    CoTaskMemFree(path);
-    return folder;
-}
-
 } // namespace
 
 int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
@@ -60,16 +53,24 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int) {
     BecomePerMonitorDpiAware();
     StringTable::Init();
 
+    const std::vector<std::wstring> arguments = CommandLineArguments();
+    ComApartment apartment; // imaging, the folder picker and the shell
+    if (PlanStart(arguments, false).importOnce) {
+        // For scripts and administrators: one import at background priority, then the end. It
+        // takes no part in the tray's single instance.
+        SetThreadPriority(GetCurrentThread(), THREAD_MODE_BACKGROUND_BEGIN);
+        const std::atomic<bool> stop{false};
+        RunImport([](size_t, size_t) {}, stop);
+        return 0;
+    }
     UniqueHandle instanceMutex(CreateMutexW(nullptr, FALSE, kInstanceMutex));
     const bool instanceRuns = GetLastError() == ERROR_ALREADY_EXISTS;
-    const StartPlan plan = PlanStart(CommandLineArguments(), instanceRuns);
+    const StartPlan plan = PlanStart(arguments, instanceRuns);
     if (plan.handOver) {
         HandOver();
         return 0;
     }
     if (!plan.runTray) return 0;
-
-    ComApartment apartment; // the folder picker and the shell
     INITCOMMONCONTROLSEX controls{sizeof controls, ICC_STANDARD_CLASSES};
     InitCommonControlsEx(&controls);
     const std::wstring& exePath = DataPaths::Get().exePath;

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "companion/downscaler.h"
+#include "companion/jpeg_exif.h"
 #include "companion/pixel_orientation.h"
 #include "platform/companion/shared_read_stream_win.h"
 #include "platform/companion/wic_source_transform_win.h"
@@ -30,6 +31,7 @@ struct SourceFrame {
     ComPtr<IWICBitmapFrameDecode> frame;
     ImageSize size;
     uint32_t transform = 0;
+    JpegExif exif; // read from the file's bytes, where the metadata reader finds nothing
 };
 
 // Opens frame 0, unless the file claims a size beyond what the import decodes: in its header,
@@ -48,6 +50,7 @@ bool OpenFrame(IWICImagingFactory* factory, const std::wstring& path, SourceFram
         return done;
     };
     const std::optional<ImageSize> claimed = ReadClaimedSize(read);
+    source.exif = ReadJpegExif(read);
     UINT width = 0, height = 0;
     if ((claimed && AbsurdSize(*claimed)) || FAILED(stream->Seek({}, STREAM_SEEK_SET, nullptr)) ||
         FAILED(factory->CreateDecoderFromStream(stream.Get(), nullptr,
@@ -58,6 +61,7 @@ bool OpenFrame(IWICImagingFactory* factory, const std::wstring& path, SourceFram
     }
     source.size = {width, height};
     source.transform = ReadOrientation(source.frame.Get());
+    if (source.transform == 0) source.transform = OrientationTransform(source.exif.orientation);
     return true;
 }
 
@@ -249,6 +253,7 @@ bool WriteCopy(const std::wstring& source, const std::wstring& destination,
         if (!OpenFrame(factory, source, frame)) return false;
         info.upright = OrientedSize(frame.size.width, frame.size.height, frame.transform);
         info.taken = ReadTakenDate(frame.frame.Get());
+        if (!info.taken.Known()) info.taken = ParseExifDate(frame.exif.dateTaken);
         const ImageSize asked = copySize ? copySize(info.upright) : info.upright;
         const ImageSize copy{std::clamp(asked.width, 1u, info.upright.width),
                              std::clamp(asked.height, 1u, info.upright.height)};

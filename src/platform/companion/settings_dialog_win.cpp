@@ -78,6 +78,11 @@ void SettingsDialog::Show() {
     SetForegroundWindow(hwnd);
 }
 
+void SettingsDialog::SetImportStatus(const std::wstring& text) {
+    importStatus = text;
+    if (hwnd) SetDlgItemTextW(hwnd, IDC_IMPORT_STATUS, importStatus.c_str());
+}
+
 void SettingsDialog::Close() {
     if (hwnd) DestroyWindow(hwnd);
 }
@@ -110,9 +115,9 @@ INT_PTR SettingsDialog::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         keys.emplace_back(hwnd, text);
         for (HWND child = GetWindow(hwnd, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
             if (GetWindowTextW(child, text, ARRAYSIZE(text)) > 0) keys.emplace_back(child, text);
-        if (!context.importNow) ShowWindow(GetDlgItem(hwnd, IDC_IMPORT), SW_HIDE);
         stored = ReadSettingsForm(context.defaultFolder);
         Translate();
+        SetDlgItemTextW(hwnd, IDC_IMPORT_STATUS, importStatus.c_str());
         ShowForm(stored);
         RestartPreview();
         return TRUE;
@@ -141,7 +146,9 @@ void SettingsDialog::Command(int id, int notification) {
     case IDC_ADD: AddFolder(); return;
     case IDC_REMOVE: RemoveFolder(); return;
     case IDC_IMPORT:
-        if (context.importNow) context.importNow();
+        // The folders as the list shows them: what is on screen is what the user means.
+        Save();
+        context.importNow();
         return;
     case IDC_SHOW:
         if (notification == CBN_SELCHANGE) RestartPreview();
@@ -171,6 +178,11 @@ void SettingsDialog::FillChoices() {
     std::vector<std::wstring> languages{StringTable::Get(kSystemLanguageText)};
     languages.insert(languages.end(), std::begin(kLanguageNames), std::end(kLanguageNames));
     FillCombo(GetDlgItem(hwnd, IDC_LANGUAGE), languages, shown.language);
+    std::vector<std::wstring> budgets;
+    for (const int megabytes : kBudgetMegabytes)
+        budgets.push_back(megabytes < 1024 ? std::to_wstring(megabytes) + L" MB"
+                                           : std::to_wstring(megabytes / 1024) + L" GB");
+    FillCombo(GetDlgItem(hwnd, IDC_BUDGET), budgets, shown.budgetIndex);
     ShowFolders(static_cast<int>(SendDlgItemMessageW(hwnd, IDC_FOLDERS, LB_GETCURSEL, 0, 0)));
 }
 
@@ -178,6 +190,7 @@ void SettingsDialog::ShowForm(const SettingsForm& shown) {
     SendDlgItemMessageW(hwnd, IDC_SHOW, CB_SETCURSEL, static_cast<WPARAM>(shown.show), 0);
     SendDlgItemMessageW(hwnd, IDC_PAUSE, CB_SETCURSEL, static_cast<WPARAM>(shown.pauseIndex), 0);
     SendDlgItemMessageW(hwnd, IDC_LANGUAGE, CB_SETCURSEL, static_cast<WPARAM>(shown.language), 0);
+    SendDlgItemMessageW(hwnd, IDC_BUDGET, CB_SETCURSEL, static_cast<WPARAM>(shown.budgetIndex), 0);
     CheckDlgButton(hwnd, IDC_FIT, shown.fit ? BST_CHECKED : BST_UNCHECKED);
     CheckDlgButton(hwnd, IDC_SHUFFLE, shown.shuffle ? BST_CHECKED : BST_UNCHECKED);
     CheckDlgButton(hwnd, IDC_TITLES, shown.titles ? BST_CHECKED : BST_UNCHECKED);
@@ -192,6 +205,7 @@ SettingsForm SettingsDialog::FormOfControls() const {
     form.show = static_cast<SettingsForm::Show>(Selection(GetDlgItem(hwnd, IDC_SHOW)));
     form.pauseIndex = Selection(GetDlgItem(hwnd, IDC_PAUSE));
     form.language = Selection(GetDlgItem(hwnd, IDC_LANGUAGE));
+    form.budgetIndex = Selection(GetDlgItem(hwnd, IDC_BUDGET));
     form.fit = IsDlgButtonChecked(hwnd, IDC_FIT) == BST_CHECKED;
     form.shuffle = IsDlgButtonChecked(hwnd, IDC_SHUFFLE) == BST_CHECKED;
     form.titles = IsDlgButtonChecked(hwnd, IDC_TITLES) == BST_CHECKED;
@@ -254,7 +268,10 @@ void SettingsDialog::Save() {
     preview.Keep();
     WriteSettingsForm(form);
     const bool languageChanged = form.language != stored.language;
+    const bool importChanged =
+        form.folders != stored.folders || form.budgetIndex != stored.budgetIndex;
     stored = form;
+    if (importChanged) context.importNow();
     if (languageChanged) {
         // The texts follow the new language at once; the saver takes it at its next start.
         StringTable::Init();

@@ -20,7 +20,8 @@ public:
         HINSTANCE instance = nullptr;
         std::wstring saverPath;     // Lumivane.scr beside the program
         std::wstring defaultFolder; // the first photo folder of a new user: their Pictures
-        // Brings the photos of the stored folders in now; null while there is no import.
+        // Brings the photos of the stored folders in now: "Import now", and a save that changed
+        // the folders or the disk they may take.
         std::function<void()> importNow;
     };
 
@@ -34,6 +35,9 @@ public:
     void Close();
     // The open dialog's window, for the message loop's IsDialogMessage; null when closed.
     HWND Window() const { return hwnd; }
+    // Shows the import's state ("Importing 12 of 40 photos", "40 photos, 61 MB") now and
+    // whenever the dialog opens.
+    void SetImportStatus(const std::wstring& text);
     // Lumivane.scr beside the program.
     const std::wstring& SaverPath() const { return context.saverPath; }
 
@@ -59,4 +63,5 @@ private:
     std::vector<std::wstring> folders;               // the folders as the list shows them
     std::vector<std::pair<HWND, std::wstring>> keys; // each text's English key
     SaverPreview preview;
+    std::wstring importStatus;
 };

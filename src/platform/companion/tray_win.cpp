@@ -14,6 +14,42 @@ namespace {
 constexpr UINT kIconId = 1;
 constexpr UINT kIconMessage = WM_APP + 1;
 constexpr wchar_t kTooltip[] = L"Lumivane";
+// The first import of a new user shouldn't wait, but the tray's start should come first.
+constexpr DWORD kFirstImportDelayMs = 3000;
+
+// `text` with "%1" and "%2" replaced. A plain replacement rather than a format string, so a
+// translation can't make the program read arguments that aren't there.
+std::wstring Fill(std::wstring text, const std::wstring& first, const std::wstring& second) {
+    for (const auto& [mark, value] : {std::pair{L"%1", &first}, std::pair{L"%2", &second}})
+        if (const size_t at = text.find(mark); at != std::wstring::npos)
+            text.replace(at, 2, *value);
+    return text;
+}
+
+// A number as the user's locale writes it, with digit grouping: "3,400", "3.400".
+std::wstring Number(double value, int decimals) {
+    const std::wstring plain = std::to_wstring(value);
+    NUMBERFMTW format{};
+    wchar_t decimal[8] = L".", thousand[8] = L",";
+    GetLocaleInfoEx(LOCALE_NAME_USER_DEFAULT, LOCALE_SDECIMAL, decimal, 8);
+    GetLocaleInfoEx(LOCALE_NAME_USER_DEFAULT, LOCALE_STHOUSAND, thousand, 8);
+    format.NumDigits = static_cast<UINT>(decimals);
+    format.LeadingZero = 1;
+    format.Grouping = 3;
+    format.lpDecimalSep = decimal;
+    format.lpThousandSep = thousand;
+    wchar_t text[64] = {};
+    // GetNumberFormatEx wants the number with "." and no grouping, as to_wstring gives it.
+    if (!GetNumberFormatEx(LOCALE_NAME_USER_DEFAULT, 0, plain.c_str(), &format, text, 64))
+        return plain;
+    return text;
+}
+
+std::wstring Size(uint64_t bytes) {
+    const double megabytes = static_cast<double>(bytes) / (1024.0 * 1024.0);
+    if (megabytes < 1024.0) return Number(megabytes, 0) + L" MB";
+    return Number(megabytes / 1024.0, 1) + L" GB";
+}
 
 enum MenuItem : UINT { kMenuSettings = 1, kMenuStartSaver, kMenuOpenFolder, kMenuExit };
 
@@ -34,6 +70,12 @@ void StartSaver(HWND window, const std::wstring& saverPath) {
 }
 
 } // namespace
+
+TrayApp::TrayApp(SettingsDialog::Context context)
+    : tip(kTooltip), dialog([&] {
+          context.importNow = [this] { importer.Request(); };
+          return std::move(context);
+      }()) {}
 
 int TrayApp::Run(HINSTANCE module, bool openSettings) {
     instance = module;
@@ -59,6 +101,7 @@ int TrayApp::Run(HINSTANCE module, bool openSettings) {
         icon = LoadIconW(instance, MAKEINTRESOURCEW(IDI_LUMIVANE));
     AddIcon();
     if (openSettings) dialog.Show();
+    importer.Start(hwnd, kFirstImportDelayMs);
 
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {
@@ -87,6 +130,10 @@ LRESULT TrayApp::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
         dialog.Show();
         return 0;
     }
+    if (message >= ImportWorker::kProgressMessage && message <= ImportWorker::kFirstPhotosMessage) {
+        ImportMessage(message, wParam, lParam);
+        return 0;
+    }
     if (message == taskbarCreatedMessage) {
         AddIcon();
         return 0;
@@ -104,6 +151,7 @@ LRESULT TrayApp::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_CLOSE: DestroyWindow(hwnd); return 0;
     case WM_DESTROY: {
         dialog.Close();
+        importer.Stop();
         NOTIFYICONDATAW data{};
         data.cbSize = sizeof data;
         data.hWnd = hwnd;
@@ -124,11 +172,49 @@ void TrayApp::AddIcon() {
     data.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP | NIF_SHOWTIP;
     data.uCallbackMessage = kIconMessage;
     data.hIcon = icon;
-    lstrcpynW(data.szTip, kTooltip, ARRAYSIZE(data.szTip));
+    lstrcpynW(data.szTip, tip.c_str(), ARRAYSIZE(data.szTip));
     // After an Explorer restart the old icon is gone; after a lost race it may still be there.
     if (!Shell_NotifyIconW(NIM_ADD, &data)) Shell_NotifyIconW(NIM_MODIFY, &data);
     data.uVersion = NOTIFYICON_VERSION_4;
     Shell_NotifyIconW(NIM_SETVERSION, &data);
+}
+
+void TrayApp::SetTip(const std::wstring& text, const std::wstring& balloon) {
+    tip = text;
+    NOTIFYICONDATAW data{};
+    data.cbSize = sizeof data;
+    data.hWnd = hwnd;
+    data.uID = kIconId;
+    data.uFlags = NIF_TIP | NIF_SHOWTIP;
+    lstrcpynW(data.szTip, tip.c_str(), ARRAYSIZE(data.szTip));
+    if (!balloon.empty()) {
+        data.uFlags |= NIF_INFO;
+        data.dwInfoFlags = NIIF_USER | NIIF_LARGE_ICON;
+        data.hBalloonIcon = icon;
+        lstrcpynW(data.szInfoTitle, kTooltip, ARRAYSIZE(data.szInfoTitle));
+        lstrcpynW(data.szInfo, balloon.c_str(), ARRAYSIZE(data.szInfo));
+    }
+    Shell_NotifyIconW(NIM_MODIFY, &data);
+}
+
+void TrayApp::ImportMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case ImportWorker::kProgressMessage: {
+        const std::wstring text = Fill(StringTable::Get(kImportingText), Number(double(wParam), 0),
+                                       Number(double(lParam), 0));
+        SetTip(std::wstring(kTooltip) + L"\n" + text);
+        dialog.SetImportStatus(text);
+        break;
+    }
+    case ImportWorker::kDoneMessage:
+        SetTip(kTooltip);
+        dialog.SetImportStatus(Fill(StringTable::Get(kPhotosInText), Number(double(wParam), 0),
+                                    Size(static_cast<uint64_t>(lParam))));
+        break;
+    case ImportWorker::kFirstPhotosMessage:
+        SetTip(kTooltip, StringTable::Get(kFirstPhotosText));
+        break;
+    }
 }
 
 void TrayApp::ShowMenu(POINT at) {

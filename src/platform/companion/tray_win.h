@@ -4,6 +4,7 @@
 
 #include <shellapi.h>
 
+#include "platform/companion/import_worker_win.h"
 #include "platform/companion/settings_dialog_win.h"
 
 // The running instance of the tray application: a hidden top-level window of the class
@@ -11,7 +12,7 @@
 // icon in the notification area with its menu, and the settings dialog.
 class TrayApp {
 public:
-    explicit TrayApp(SettingsDialog::Context context) : dialog(std::move(context)) {}
+    explicit TrayApp(SettingsDialog::Context context);
     TrayApp(const TrayApp&) = delete;
     TrayApp& operator=(const TrayApp&) = delete;
 
@@ -23,6 +24,9 @@ private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
     void AddIcon();
+    // Shows `text` as the icon's tooltip; with `balloon`, also as a notification.
+    void SetTip(const std::wstring& text, const std::wstring& balloon = {});
+    void ImportMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void ShowMenu(POINT at);
     void MenuCommand(UINT id);
 
@@ -31,5 +35,7 @@ private:
     UINT openSettingsMessage = 0;
     UINT taskbarCreatedMessage = 0;
     HICON icon = nullptr;
+    std::wstring tip;
     SettingsDialog dialog;
+    ImportWorker importer;
 };
