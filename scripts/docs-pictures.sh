@@ -9,7 +9,7 @@
 set -euo pipefail
 
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
-bash "$ROOT/scripts/install-deps.sh" imagemagick xdotool </dev/null
+bash "$ROOT/scripts/install-deps.sh" imagemagick xdotool mate-backgrounds </dev/null
 shots="$(mktemp -d)"
 trap 'rm -rf "$shots"' EXIT
 
@@ -19,7 +19,8 @@ trap 'rm -rf "$shots"' EXIT
 # "faller:12000" take only those.
 entries="${*:-fader:6000 slider:15500 kber:11000 reflections:9000 faller:14000 fourup:17000 settings}"
 
-# The settings dialog as a new user first sees it, in English, with the saver beside the program.
+# The settings dialog as a new user sees it once the first import is done, in English, with a few
+# real photos in the Pictures folder of the prefix's user.
 settings_picture() {
   cmake -S "$ROOT" -B "$ROOT/build/win" -G Ninja \
     -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake" -DCMAKE_BUILD_TYPE=Release >/dev/null
@@ -30,7 +31,14 @@ settings_picture() {
     source "$ROOT/scripts/wine-env.sh"
     lumivane_wine_start >/dev/null
     lumivane_wine reg delete 'HKCU\Software\LumivaneW' /f >/dev/null 2>&1 || true
-    lumivane_wine "$ROOT/build/win/Lumivane.exe" --settings &
+    local pictures="$WINEPREFIX/drive_c/users/$(id -un)/Pictures"
+    mkdir -p "$pictures/Nature"
+    cp /usr/share/backgrounds/mate/nature/{Aqua,Dune,Garden,Storm}.jpg "$pictures/Nature/"
+    # Alone in a folder: Wine doesn't draw the saver's preview, a window of another process, and
+    # leaves its place unpainted; without the saver beside it the frame stays black.
+    local alone="$WINEPREFIX/drive_c/lumivane-picture"
+    mkdir -p "$alone" && cp "$ROOT/build/win/Lumivane.exe" "$alone/"
+    lumivane_wine "$alone/Lumivane.exe" --settings &
     local window="" i
     for i in $(seq 100); do
       window="$(xdotool search --onlyvisible --name '^Lumivane settings$' 2>/dev/null | head -1 || true)"
@@ -38,7 +46,8 @@ settings_picture() {
       sleep 0.2
     done
     [ -n "$window" ] || { echo "docs-pictures: no settings dialog" >&2; exit 1; }
-    sleep 2
+    # The tray's first import starts 3 s after it and takes a few seconds under Wine.
+    sleep 10
     import -window "$window" -strip "$ROOT/docs/settings-dialog.png"
   )
   echo "docs-pictures: docs/settings-dialog.png"

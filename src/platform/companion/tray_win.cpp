@@ -45,10 +45,16 @@ std::wstring Number(double value, int decimals) {
     return text;
 }
 
+// A size as Explorer writes one: three significant digits at most, in KB, MB or GB.
 std::wstring Size(uint64_t bytes) {
-    const double megabytes = static_cast<double>(bytes) / (1024.0 * 1024.0);
-    if (megabytes < 1024.0) return Number(megabytes, 0) + L" MB";
-    return Number(megabytes / 1024.0, 1) + L" GB";
+    double value = static_cast<double>(bytes) / 1024.0;
+    const wchar_t* unit = L" KB";
+    for (const wchar_t* larger : {L" MB", L" GB"}) {
+        if (value < 1000.0) break;
+        value /= 1024.0;
+        unit = larger;
+    }
+    return Number(value, value < 10.0 ? 1 : 0) + unit;
 }
 
 enum MenuItem : UINT { kMenuSettings = 1, kMenuStartSaver, kMenuOpenFolder, kMenuExit };
