@@ -333,6 +333,7 @@ ImportOutcome RunImport(const std::function<void(size_t done, size_t total)>& pr
     // would wake the next run.
     if (SerialiseImportIndex(records) != indexText) SaveIndex(indexPath, records);
     const ImportSummary summary = SummariseIndex(records);
+    outcome.ran = !stop;
     outcome.photos = summary.photos;
     outcome.bytes = summary.bytes;
     outcome.firstPhotos = photosBefore == 0 && summary.photos > 0;

@@ -13,6 +13,7 @@
 
 // What a run did.
 struct ImportOutcome {
+    bool ran = false;         // the run went through (false: stopped, or no imaging component)
     size_t photos = 0;        // the copies in the photo folder now
     uint64_t bytes = 0;       // and the disk they take
     size_t written = 0;       // copies written or replaced by this run

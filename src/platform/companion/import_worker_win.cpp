@@ -95,7 +95,8 @@ void ImportWorker::Loop() {
                 PostMessageW(window, kProgressMessage, done, static_cast<LPARAM>(total));
             },
             stopping);
-        PostMessageW(window, kDoneMessage, outcome.photos, static_cast<LPARAM>(outcome.bytes));
+        if (outcome.ran)
+            PostMessageW(window, kDoneMessage, outcome.photos, static_cast<LPARAM>(outcome.bytes));
         if (outcome.firstPhotos) PostMessageW(window, kFirstPhotosMessage, 0, 0);
         timeout = kLookMs;
     }
