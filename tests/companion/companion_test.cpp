@@ -12,6 +12,7 @@
 #include "companion/start_plan.h"
 #include "diagnostics/string_table.h"
 #include "library/memory_registry.h"
+#include "library/settings.h"
 
 namespace {
 
@@ -74,6 +75,7 @@ TEST(SettingsForm, StoredValuesShowAsTheSaverReadsThem) {
         {L"Language", 1, Utf16(L"de"), with([](auto& f) { f.language = 2; })},
         {L"Language", 1, Utf16(L"DE"), SettingsForm{}},
         {L"ImportBudget", 4, Dword(10240), with([](auto& f) { f.budgetIndex = 4; })},
+        {L"ImportBudget", 4, Dword(500), with([](auto& f) { f.budgetIndex = 0; })},
         {L"ImportBudget", 4, Dword(3000), SettingsForm{}},
     };
     // clang-format on
@@ -115,10 +117,16 @@ TEST(SettingsForm, WritesEachValueInItsRegistryForm) {
     EXPECT_TRUE(ReadSettingsForm(L"C:\\Pictures") == form);
 
     form = {};
+    form.pauseIndex = kPauseCount; // no choice made in a list: the defaults
+    form.budgetIndex = kBudgetCount;
     TestRegistry() = {};
     WriteSettingsForm(form); // the Fader and the system's language are empty strings
     EXPECT_EQ(TestRegistry().values.at(L"SaverShow").second, Utf16(std::wstring(1, L'\0')));
     EXPECT_EQ(TestRegistry().values.at(L"Language").second, Utf16(std::wstring(1, L'\0')));
+    EXPECT_EQ(TestRegistry().values.at(L"SaverPause").second, Utf16(std::wstring(L"2\0", 2)));
+    EXPECT_EQ(TestRegistry().values.at(L"ImportBudget").second, Dword(2048));
+    Settings::WriteDword(L"ImportBudget", -2); // all four bytes, as an administrator might
+    EXPECT_EQ(TestRegistry().values.at(L"ImportBudget").second, Dword(0xFFFFFFFE));
 }
 
 // A new user's list holds their Pictures folder; once a list is stored, even an empty one, it is
@@ -129,6 +137,8 @@ TEST(SettingsForm, FoldersStartWithPicturesAndNeverRepeat) {
     EXPECT_TRUE(ReadSettingsForm(L"").folders.empty());
     TestRegistry().Put(L"ImportFolders", 7, {0, 0});
     EXPECT_TRUE(ReadSettingsForm(L"C:\\P").folders.empty());
+    TestRegistry().Put(L"ImportFolders", 7, MemoryRegistry::Utf16(L"C:\\A")); // no zeros at all
+    EXPECT_EQ(ReadSettingsForm(L"C:\\P").folders, std::vector<std::wstring>{L"C:\\A"});
     TestRegistry().Put(L"ImportFolders", 1, MemoryRegistry::Utf16(std::wstring(L"C:\\A\0", 5)));
     EXPECT_EQ(ReadSettingsForm(L"C:\\P").folders, std::vector<std::wstring>{L"C:\\P"})
         << "a value of another type isn't a list";
@@ -138,6 +148,18 @@ TEST(SettingsForm, FoldersStartWithPicturesAndNeverRepeat) {
     EXPECT_EQ(AddFolder(folders, L"D:\\"), 1u);
     EXPECT_EQ(AddFolder(folders, L"C:\\Photos 2"), 2u);
     EXPECT_EQ(folders.size(), 3u);
+}
+
+// The import's disk: the stored size in megabytes, any size an administrator set included; 2 GB
+// while none is stored.
+TEST(SettingsForm, ImportBudgetIsTheStoredMegabytesElseTwoGigabytes) {
+    const std::pair<std::vector<uint8_t>, uint64_t> cases[] = {
+        {{}, 2048}, {Dword(0), 2048}, {Dword(0xFFFFFFFF), 2048}, {Dword(3000), 3000}};
+    for (const auto& [stored, megabytes] : cases) {
+        TestRegistry() = {};
+        if (!stored.empty()) TestRegistry().Put(L"ImportBudget", 4, stored);
+        EXPECT_EQ(ImportBudgetBytes(), megabytes << 20) << megabytes;
+    }
 }
 
 // One tray instance: any later start asks the running one for the settings and ends; a first

@@ -105,6 +105,8 @@ TEST(JpegExif, OrientationAndDateReadInEitherByteOrderWithinTheSegment) {
                      std::string(1, '\0')});
     };
     const std::string soi = "\xFF\xD8", exif = std::string("Exif") + std::string(2, '\0');
+    std::string lost = Tiff(true, 6, 56);
+    lost[4] = '\xF0'; // the first directory past the segment's end
     // clang-format off
     const std::tuple<std::string, uint32_t, std::string> cases[] = {
         {File({soi, Segment(0xE1, exif + Tiff(true, 6, 56)), Frame(0xC0, 8, 8)}), 6, date},
@@ -112,6 +114,7 @@ TEST(JpegExif, OrientationAndDateReadInEitherByteOrderWithinTheSegment) {
         {File({soi, Segment(0xE1, exif + Tiff(true, 9, 56))}), 0, date},        // no such tag
         {File({soi, Segment(0xE1, exif + Tiff(true, 3, 500))}), 3, ""},         // date outside
         {File({soi, Segment(0xE1, "XMP" + Tiff(true, 6, 56))}), 0, ""},         // not EXIF
+        {File({soi, Segment(0xE1, exif + lost)}), 0, ""},
         {File({soi, Frame(0xC0, 8, 8), Segment(0xE1, exif + Tiff(true, 6, 56))}), 0, ""},
         {File({soi, Segment(0xE1, exif + Tiff(true, 6, 56))}).substr(0, 30), 0, ""},
         {File({"\x89PNG", Segment(0xE1, exif + Tiff(true, 6, 56))}), 0, ""},
