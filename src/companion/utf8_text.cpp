@@ -2,28 +2,12 @@
 
 #include <cstdint>
 
+#include "library/utf8.h"
+
 namespace {
 
 bool IsHighHalf(uint32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsLowHalf(uint32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-
-void AppendCodePoint(std::string& out, uint32_t c) {
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | (c >> 6));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | (c >> 12));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (c >> 18));
-        out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-}
 
 } // namespace
 
@@ -35,7 +19,7 @@ bool Utf8FromWide(const std::wstring& text, std::string& out) {
         if (IsHighHalf(c) && i + 1 < text.size() && IsLowHalf(static_cast<uint32_t>(text[i + 1])))
             c = 0x10000 + ((c - 0xD800) << 10) + (static_cast<uint32_t>(text[++i]) - 0xDC00);
         else if (IsHighHalf(c) || IsLowHalf(c) || c > 0x10FFFF) return false;
-        AppendCodePoint(bytes, c);
+        AppendUtf8(bytes, c);
     }
     out = std::move(bytes);
     return true;

@@ -179,8 +179,9 @@ BOOL CALLBACK AddMonitor(HMONITOR monitor, HDC, LPRECT, LPARAM list) {
     return TRUE;
 }
 
-// The camera's date as a system time; false when the file doesn't say or it is no real date.
-bool TakenSystemTime(const TakenDate& taken, SYSTEMTIME& date) {
+// When a photo was taken, by the camera's clock, as a system time and in FILETIME units; false
+// when the file doesn't say or it is no real date.
+bool TakenAt(const TakenDate& taken, SYSTEMTIME& date, uint64_t& time) {
     if (!taken.Known()) return false;
     date = {};
     date.wYear = taken.year;
@@ -189,27 +190,25 @@ bool TakenSystemTime(const TakenDate& taken, SYSTEMTIME& date) {
     date.wHour = taken.hour;
     date.wMinute = taken.minute;
     date.wSecond = taken.second;
-    FILETIME check{};
-    return SystemTimeToFileTime(&date, &check) != FALSE;
+    FILETIME value{};
+    if (!SystemTimeToFileTime(&date, &value)) return false;
+    time = TimeValue(value);
+    return true;
 }
 
-// When the photo was taken, in FILETIME units of the camera's clock; 0 when unknown.
-uint64_t TakenTime(const TakenDate& taken) {
-    SYSTEMTIME date{};
-    FILETIME time{};
-    if (!TakenSystemTime(taken, date) || !SystemTimeToFileTime(&date, &time)) return 0;
-    return TimeValue(time);
-}
-
-// The month and year a photo was taken, in the user's language ("August 2024"); empty if unknown.
-std::wstring TakenText(const TakenDate& taken) {
-    SYSTEMTIME date{};
-    if (!TakenSystemTime(taken, date)) return {};
+// The locale that names the months in photo titles: the chosen language's, else empty for the
+// user's own.
+std::wstring TitleLocale() {
     const std::wstring language = Settings::ReadString(kValueLanguage);
-    bool known = false;
-    for (const wchar_t* code : kLanguageCodes) known = known || language == code;
+    for (const wchar_t* code : kLanguageCodes)
+        if (language == code) return language;
+    return {};
+}
+
+// The month and year of `date` in `locale` ("August 2024"); empty when that can't be written.
+std::wstring MonthAndYear(const SYSTEMTIME& date, const std::wstring& locale) {
     wchar_t text[80] = {};
-    if (!GetDateFormatEx(known ? language.c_str() : LOCALE_NAME_USER_DEFAULT, 0, &date,
+    if (!GetDateFormatEx(locale.empty() ? LOCALE_NAME_USER_DEFAULT : locale.c_str(), 0, &date,
                          L"MMMM yyyy", text, 80, nullptr))
         return {};
     return text;
@@ -290,6 +289,7 @@ ImportOutcome RunImport(const std::function<void(size_t done, size_t total)>& pr
     std::vector<ImageSize> monitors;
     EnumDisplayMonitors(nullptr, nullptr, AddMonitor, reinterpret_cast<LPARAM>(&monitors));
     const ImageSize box = CopyTargetBox(monitors);
+    const std::wstring titleLocale = TitleLocale();
     const auto copySize = [box](ImageSize upright) { return CopySize(upright, box); };
 
     std::vector<ImportRecord> done;
@@ -302,16 +302,20 @@ ImportOutcome RunImport(const std::function<void(size_t done, size_t total)>& pr
                         {},
                         write.previous.copyName};
             ImportedPhotoInfo info;
-            if (ImportPhoto(write.source.path, copy.part, copySize, info, factory.Get()))
-                copy.name = ClaimCopyName(plan, write,
-                                          ImportTitle(write.source.path, TakenText(info.taken)));
+            SYSTEMTIME date{};
+            uint64_t takenTime = 0;
+            if (ImportPhoto(write.source.path, copy.part, copySize, info, factory.Get())) {
+                const std::wstring month = TakenAt(info.taken, date, takenTime)
+                                               ? MonthAndYear(date, titleLocale)
+                                               : std::wstring();
+                copy.name = ClaimCopyName(plan, write, ImportTitle(write.source.path, month));
+            }
             if (copy.name.empty()) {
                 DeleteFileW(copy.part.c_str());
                 copy.part.clear();
             }
             done.push_back(RecordOfWrite(write, copy.name,
-                                         copy.name.empty() ? 0 : info.writtenBytes,
-                                         TakenTime(info.taken)));
+                                         copy.name.empty() ? 0 : info.writtenBytes, takenTime));
             staged.push_back(std::move(copy));
             progress(next + 1, plan.writes.size());
         }

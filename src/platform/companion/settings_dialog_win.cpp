@@ -23,15 +23,6 @@ constexpr const wchar_t* kShowNames[SettingsForm::ShowCount] = {
 constexpr const wchar_t* kLanguageNames[kLanguageCount] = {
     L"English", L"Deutsch", L"Español", L"Français", L"Italiano", L"Nederlands", L"Português"};
 
-// `text` with "%d" replaced by `number`. A plain replacement rather than a format string, so a
-// translation can't make the program read arguments that aren't there.
-std::wstring WithNumber(const std::wstring& text, int number) {
-    std::wstring result = text;
-    if (const size_t at = result.find(L"%d"); at != std::wstring::npos)
-        result.replace(at, 2, std::to_wstring(number));
-    return result;
-}
-
 bool FolderExists(const std::wstring& folder) {
     const DWORD attributes = GetFileAttributesW(folder.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
@@ -173,7 +164,7 @@ void SettingsDialog::FillChoices() {
     FillCombo(GetDlgItem(hwnd, IDC_SHOW), shows, shown.show);
     std::vector<std::wstring> pauses;
     for (const int seconds : kPauseSeconds)
-        pauses.push_back(WithNumber(StringTable::Get(kSecondsText), seconds));
+        pauses.push_back(FillIn(StringTable::Get(kSecondsText), std::to_wstring(seconds)));
     FillCombo(GetDlgItem(hwnd, IDC_PAUSE), pauses, shown.pauseIndex);
     std::vector<std::wstring> languages{StringTable::Get(kSystemLanguageText)};
     languages.insert(languages.end(), std::begin(kLanguageNames), std::end(kLanguageNames));

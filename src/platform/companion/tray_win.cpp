@@ -17,15 +17,6 @@ constexpr wchar_t kTooltip[] = L"Lumivane";
 // The first import of a new user shouldn't wait, but the tray's start should come first.
 constexpr DWORD kFirstImportDelayMs = 3000;
 
-// `text` with "%1" and "%2" replaced. A plain replacement rather than a format string, so a
-// translation can't make the program read arguments that aren't there.
-std::wstring Fill(std::wstring text, const std::wstring& first, const std::wstring& second) {
-    for (const auto& [mark, value] : {std::pair{L"%1", &first}, std::pair{L"%2", &second}})
-        if (const size_t at = text.find(mark); at != std::wstring::npos)
-            text.replace(at, 2, *value);
-    return text;
-}
-
 // A number as the user's locale writes it, with digit grouping: "3,400", "3.400".
 std::wstring Number(double value, int decimals) {
     const std::wstring plain = std::to_wstring(value);
@@ -206,16 +197,16 @@ void TrayApp::SetTip(const std::wstring& text, const std::wstring& balloon) {
 void TrayApp::ImportMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case ImportWorker::kProgressMessage: {
-        const std::wstring text = Fill(StringTable::Get(kImportingText), Number(double(wParam), 0),
-                                       Number(double(lParam), 0));
+        const std::wstring text = FillIn(StringTable::Get(kImportingText),
+                                         Number(double(wParam), 0), Number(double(lParam), 0));
         SetTip(std::wstring(kTooltip) + L"\n" + text);
         dialog.SetImportStatus(text);
         break;
     }
     case ImportWorker::kDoneMessage:
         SetTip(kTooltip);
-        dialog.SetImportStatus(Fill(StringTable::Get(kPhotosInText), Number(double(wParam), 0),
-                                    Size(static_cast<uint64_t>(lParam))));
+        dialog.SetImportStatus(FillIn(StringTable::Get(kPhotosInText), Number(double(wParam), 0),
+                                      Size(static_cast<uint64_t>(lParam))));
         break;
     case ImportWorker::kFirstPhotosMessage:
         SetTip(kTooltip, StringTable::Get(kFirstPhotosText));
