@@ -96,11 +96,11 @@ scenario_within() {
 }
 
 # The command lines of the running Lumivane.exe processes of this prefix, one a line (Wine gives a
-# program's process its Windows command line). Processes of other prefixes on the machine, such as
-# a developer's own run, are left out.
+# program's process its Windows command line), or with $1 of those of that program file name (a
+# pattern). Processes of other prefixes on the machine, such as a developer's own run, are left out.
 scenario_app_processes() {
   local pid
-  for pid in $(pgrep -f 'Lumivane\.exe'); do
+  for pid in $(pgrep -f "${1:-Lumivane\.exe}"); do
     # A process that ended meanwhile has neither file any more.
     { tr '\0' '\n' <"/proc/$pid/environ" | grep -qxF "WINEPREFIX=$WINEPREFIX" &&
       tr '\0' ' ' <"/proc/$pid/cmdline" | sed 's/ *$//'; } 2>/dev/null
@@ -110,6 +110,7 @@ scenario_app_processes() {
 # scenario_app_is COMMAND_LINE: exactly one Lumivane.exe of this prefix runs, with that command line.
 scenario_app_is() { [ "$(scenario_app_processes)" = "$1" ]; }
 scenario_app_ended() { [ -z "$(scenario_app_processes)" ]; }
+scenario_saver_ended() { [ -z "$(scenario_app_processes 'Lumivane\.scr')" ]; }
 
 # Starts the Lumivane.exe at the Unix path $1 in the background, as the user's tray, and returns
 # once its tray window exists (Wine's trace of window creation names the class), so that an
@@ -235,6 +236,7 @@ EOT
 
   lumivane_wine "$folder/Uninstall.exe" /S
   scenario_check "the silent uninstall ends the running Lumivane.exe" scenario_within 10 scenario_app_ended
+  scenario_check "the preview in its settings ends with it" scenario_saver_ended
   scenario_wait_for_prefix
   scenario_check "the silent uninstall removes the folder" test ! -e "$folder"
   scenario_check "the silent uninstall removes the Start-menu shortcut" test ! -e "$shortcut"

@@ -11,6 +11,8 @@ namespace {
 // is stuck or failed, and the stored value goes back regardless.
 constexpr ULONGLONG kLendMs = 10000;
 constexpr UINT kPollMs = 100;
+// How long a closed preview gets to end before it is ended by force.
+constexpr ULONGLONG kEndMs = 2000;
 constexpr wchar_t kSaverWindowClass[] = L"LumivaneSaver";
 // The window that the saver draws into: black, as the pane of the system's settings.
 constexpr wchar_t kHostClass[] = L"LumivanePreviewHost";
@@ -28,6 +30,24 @@ bool RegisterHostClass() {
 std::vector<BYTE> TextBytes(const std::wstring& text) {
     const auto* first = reinterpret_cast<const BYTE*>(text.c_str());
     return {first, first + (text.size() + 1) * sizeof(wchar_t)};
+}
+
+// Waits until `process` has ended, at most `milliseconds`, answering the messages that other
+// threads send to ours meanwhile: a closing child window notifies its parent, our window, and
+// waits for the answer.
+bool WaitForEnd(HANDLE process, ULONGLONG milliseconds) {
+    const ULONGLONG deadline = GetTickCount64() + milliseconds;
+    for (;;) {
+        const ULONGLONG now = GetTickCount64();
+        if (now >= deadline) return false;
+        const DWORD woken = MsgWaitForMultipleObjects(1, &process, FALSE,
+                                                      static_cast<DWORD>(deadline - now),
+                                                      QS_SENDMESSAGE);
+        if (woken == WAIT_OBJECT_0) return true;
+        if (woken != WAIT_OBJECT_0 + 1) return false;
+        MSG message;
+        PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+    }
 }
 
 } // namespace
@@ -102,8 +122,16 @@ void SaverPreview::Keep() {
 
 void SaverPreview::Stop() {
     PutShowBack();
+    // The saver's window is closed first, on the saver's own thread, and the saver ends with it.
+    // Destroying our window alone would end it too on Windows, but Wine drops a child window of
+    // another process without telling that process, whose run would then go on unseen, holding
+    // its file; a saver still starting, or stuck, is ended by force.
+    HWND saverWindow = host ? FindWindowExW(host, nullptr, kSaverWindowClass, nullptr) : nullptr;
+    if (saverWindow) PostMessageW(saverWindow, WM_CLOSE, 0, 0);
+    const bool ended = !process.Valid() || WaitForEnd(process.Get(), saverWindow ? kEndMs : 0);
     if (host) DestroyWindow(host);
     host = nullptr;
+    if (!ended && !WaitForEnd(process.Get(), kEndMs)) TerminateProcess(process.Get(), 1);
     process.Reset();
 }
 

@@ -30,7 +30,8 @@ public:
     // The store is about to be written with the user's choices, which replace what was lent:
     // nothing is put back.
     void Keep();
-    // Ends the preview: its window goes, and the saver with it. SaverShow is put back.
+    // Ends the preview and returns once the saver has ended (within a few seconds: one that
+    // doesn't is ended by force), so that its file is free. SaverShow is put back.
     void Stop();
 
 private:
