@@ -5,6 +5,7 @@
 #include "platform/d2d_surface_win.h"
 #include "platform/image_decoder_win.h"
 #include "platform/win_handles.h"
+#include "session/frame_wait.h"
 
 int64_t Win32WindowThread::CounterFrequency() {
     LARGE_INTEGER frequency{};
@@ -31,7 +32,23 @@ void Win32WindowThread::WaitForInput(uint32_t milliseconds) {
     // Every kind of input and message, as Windows 7 knows them: the headers' QS_ALLINPUT grows
     // with _WIN32_WINNT (QS_TOUCH, QS_POINTER), and Windows 7 rejects the wait with those bits.
     constexpr DWORD kAllInputWindows7 = 0x4FF;
-    MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds, kAllInputWindows7);
+    if (!frameTimerTried) {
+        frameTimerTried = true;
+        // Windows 10 1803 and later; earlier systems reject the flag and keep the plain wait.
+        constexpr DWORD kHighResolution = 0x2; // CREATE_WAITABLE_TIMER_HIGH_RESOLUTION
+        frameTimer.Reset(
+            CreateWaitableTimerExW(nullptr, nullptr, kHighResolution, TIMER_ALL_ACCESS));
+    }
+    FrameWait wait = PlanFrameWait(milliseconds, frameTimer.Valid());
+    if (wait.onTimer) {
+        LARGE_INTEGER due{};
+        due.QuadPart = wait.timerDue;
+        if (!SetWaitableTimer(frameTimer.Get(), &due, 0, nullptr, nullptr, FALSE))
+            wait = PlanFrameWait(milliseconds, false);
+    }
+    HANDLE timer = frameTimer.Get();
+    MsgWaitForMultipleObjects(wait.onTimer ? 1 : 0, wait.onTimer ? &timer : nullptr, FALSE,
+                              wait.timeoutMs, kAllInputWindows7);
 }
 
 void Win32WindowThread::HideWindow(WindowHandle window) {

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "platform/win_handles.h"
 #include "session/window_thread.h"
 
 // The window thread's services on Windows: the performance counter, the thread's message queue,
-// MsgWaitForMultipleObjects, ShowWindow, Direct2D window targets and the crossfade's bitmaps.
+// MsgWaitForMultipleObjects (with a high-resolution timer where the system has one), ShowWindow, Direct2D window targets and the crossfade's bitmaps.
 class Win32WindowThread : public WindowThread {
 public:
     int64_t CounterFrequency() override;
@@ -21,4 +22,9 @@ public:
     // LoadDib, with the window's bitmap holder in place of a bare HBITMAP.
     bool DecodeBitmap(const std::wstring& path, int32_t width, int32_t height, bool cover,
                       PlatformObject& bitmap) override;
+
+private:
+    // Made at the first wait; stays invalid where the system has no high-resolution timer.
+    UniqueHandle frameTimer;
+    bool frameTimerTried = false;
 };

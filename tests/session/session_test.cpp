@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <tuple>
 
 #include "effects/recording_surface.h"
 #include "library/memory_registry.h"
@@ -10,6 +11,7 @@
 #include "library/photo_listing.h"
 #include "session/command_line.h"
 #include "session/crossfade.h"
+#include "session/frame_wait.h"
 #include "session/saver_session.h"
 #include "session/window_messages.h"
 #include "support/fake_window_thread.h"
@@ -227,6 +229,22 @@ TEST(RenderLoop, WindowsDrawTheirCanvasAtThePassTimeShortPassesWaitAndLostTarget
         // Five targets at start-up, window 3's in every pass and window 1's again; the window
         // without an effect never asks again.
         EXPECT_EQ(loop.thread.targetRequests.size(), 5u + 4 + 1);
+    }
+}
+
+// A high-resolution timer, where there is one, ends the frame's wait at its due time, relative and
+// in 100 ns units; the wait's own time-out comes a tick later. Without one, or with nothing to
+// wait for, the time-out alone.
+TEST(FrameWait, TheTimerEndsTheWaitOnTimeAndItsTimeoutOnlyGuards) {
+    const std::tuple<uint32_t, bool, FrameWait> cases[] = {
+        {8, true, {true, -80000, 24}},  {12, true, {true, -120000, 28}},
+        {8, false, {false, 0, 8}},      {0, true, {false, 0, 0}},
+    };
+    for (const auto& [ms, timer, expected] : cases) {
+        const FrameWait wait = PlanFrameWait(ms, timer);
+        EXPECT_EQ(std::tuple(wait.onTimer, wait.timerDue, wait.timeoutMs),
+                  std::tuple(expected.onTimer, expected.timerDue, expected.timeoutMs))
+            << ms << " " << timer;
     }
 }
 
