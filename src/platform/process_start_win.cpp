@@ -33,6 +33,15 @@ void BecomePerMonitorDpiAware() {
     if (set) set(reinterpret_cast<HANDLE>(static_cast<INT_PTR>(-4))); // per monitor, version 2
 }
 
+void TakeDpiAwarenessOf(HWND window) {
+    const auto get = LoadedFunction<HANDLE(WINAPI*)(HWND)>(L"user32.dll",
+                                                           "GetWindowDpiAwarenessContext");
+    const auto set =
+        LoadedFunction<HANDLE(WINAPI*)(HANDLE)>(L"user32.dll", "SetThreadDpiAwarenessContext");
+    if (!get || !set) return;
+    if (HANDLE context = get(window)) set(context);
+}
+
 std::vector<std::wstring> CommandLineArguments() {
     std::vector<std::wstring> arguments;
     int count = 0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <windows.h>
+
 #include <string>
 #include <vector>
 
@@ -10,5 +12,10 @@
 void SearchOnlySystemFolderForLibraries();
 // Per-monitor DPI awareness, version 2 where the system has it.
 void BecomePerMonitorDpiAware();
+// Makes the calling thread's DPI awareness that of `window` (a window of another process, such as
+// the pane of a preview), so that the windows it creates as children of it share its coordinate
+// space, and sizes read from it mean the same pixels. Where the system lacks the calls (before
+// Windows 10 1607) the thread keeps the process's awareness.
+void TakeDpiAwarenessOf(HWND window);
 // The program's arguments, without its own path.
 std::vector<std::wstring> CommandLineArguments();

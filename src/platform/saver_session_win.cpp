@@ -11,6 +11,7 @@
 #include "library/random.h"
 #include "library/settings.h"
 #include "platform/d2d_surface_win.h"
+#include "platform/process_start_win.h"
 #include "platform/win_handles.h"
 #include "platform/window_proc_win.h"
 #include "session/saver_session.h"
@@ -82,6 +83,10 @@ int32_t SaverSession::Run(WindowHandle previewParent) {
 
     RegisterSaverClass();
     HWND parent = static_cast<HWND>(previewParent);
+    // A preview lives in another program's window, whose DPI awareness may differ from ours: the
+    // whole run takes on the pane's, before its size is read and our window is made in it. The
+    // scale then follows from sizes and DPI in that one coordinate space.
+    if (parent) TakeDpiAwarenessOf(parent);
     OpenWindows(WindowRectangles(parent), [parent](ScreenWindow& window, const Rectangle& r) {
         return OpenWindow(window, r, parent);
     });
