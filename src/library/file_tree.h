@@ -45,6 +45,9 @@ public:
     virtual uint32_t LastError() = 0;
     // Makes one folder whose parent exists.
     virtual bool CreateFolder(const std::wstring& path) = 0;
+    // Makes one folder whose parent exists, which only the user and the system may open, and
+    // everything made inside it after them; false when it exists or can't be made.
+    virtual bool CreateOwnFolder(const std::wstring& path) = 0;
     // Makes a folder with all its missing ancestors.
     virtual void CreateFolderTree(const std::wstring& path) = 0;
     // Removes an empty folder.

@@ -38,7 +38,13 @@ std::wstring ChoosePhotoDirectory(FileTree& tree, const std::wstring& dataDir) {
     const std::wstring documents = tree.Documents();
     if (!documents.empty() && !IsCloudFolder(documents) && tree.CanWriteTo(documents))
         return documents;
-    if (tree.CanWriteTo(kFixedItemsFolder)) return kFixedItemsFolder;
+    // A folder at the root of the system drive would take on the drive's rights, under which
+    // every account of the PC may change what is made there: this one is the user's own from the
+    // start, so that no other account reads or replaces the photos, nor passes its write test
+    // and shares the tree. It is never made any other way.
+    if ((tree.CreateOwnFolder(kFixedItemsFolder) || Exists(tree, kFixedItemsFolder)) &&
+        tree.CanWriteTo(kFixedItemsFolder))
+        return kFixedItemsFolder;
     return dataDir;
 }
 

@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <vector>
 
 #include "library/file_tree.h"
 #include "platform/win_handles.h"
@@ -54,6 +55,38 @@ std::wstring KnownFolderOrEmpty(int id) {
     return KnownFolder(id, path) ? path : std::wstring();
 }
 
+// Makes `path` with a protected access list of two entries that everything made inside inherits:
+// full access for the user of this process and for the system. Nothing of the parent's list
+// reaches it, whatever the parent grants to others.
+bool CreateOwnFolder(const std::wstring& path) {
+    HANDLE token = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) return false;
+    const UniqueHandle heldToken(token);
+    alignas(TOKEN_USER) BYTE tokenUser[sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE];
+    DWORD size = 0;
+    if (!GetTokenInformation(token, TokenUser, tokenUser, sizeof tokenUser, &size)) return false;
+    PSID user = reinterpret_cast<TOKEN_USER*>(tokenUser)->User.Sid;
+    alignas(DWORD) BYTE system[SECURITY_MAX_SID_SIZE];
+    DWORD systemSize = sizeof system;
+    if (!CreateWellKnownSid(WinLocalSystemSid, nullptr, system, &systemSize)) return false;
+
+    const DWORD aclSize =
+        sizeof(ACL) + 2 * sizeof(ACCESS_ALLOWED_ACE) + GetLengthSid(user) + GetLengthSid(system);
+    std::vector<DWORD> aclBuffer((aclSize + sizeof(DWORD) - 1) / sizeof(DWORD));
+    auto* acl = reinterpret_cast<ACL*>(aclBuffer.data());
+    constexpr DWORD kInherited = OBJECT_INHERIT_ACE | CONTAINER_INHERIT_ACE;
+    SECURITY_DESCRIPTOR descriptor;
+    if (!InitializeAcl(acl, aclSize, ACL_REVISION) ||
+        !AddAccessAllowedAceEx(acl, ACL_REVISION, kInherited, FILE_ALL_ACCESS, user) ||
+        !AddAccessAllowedAceEx(acl, ACL_REVISION, kInherited, FILE_ALL_ACCESS, system) ||
+        !InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION) ||
+        !SetSecurityDescriptorDacl(&descriptor, TRUE, acl, FALSE) ||
+        !SetSecurityDescriptorControl(&descriptor, SE_DACL_PROTECTED, SE_DACL_PROTECTED))
+        return false;
+    SECURITY_ATTRIBUTES attributes{sizeof attributes, &descriptor, FALSE};
+    return CreateDirectoryW(path.c_str(), &attributes) != 0;
+}
+
 FolderEntry EntryOf(const WIN32_FIND_DATAW& data) {
     const FILETIME& time = data.ftLastWriteTime;
     return {data.cFileName, data.dwFileAttributes,
@@ -91,6 +124,7 @@ public:
     bool CreateFolder(const std::wstring& path) override {
         return CreateDirectoryW(path.c_str(), nullptr) != 0;
     }
+    bool CreateOwnFolder(const std::wstring& path) override { return ::CreateOwnFolder(path); }
     void CreateFolderTree(const std::wstring& path) override {
         SHCreateDirectoryExW(nullptr, path.c_str(), nullptr);
     }

@@ -34,8 +34,8 @@ void BecomePerMonitorDpiAware() {
 }
 
 void TakeDpiAwarenessOf(HWND window) {
-    const auto get = LoadedFunction<HANDLE(WINAPI*)(HWND)>(L"user32.dll",
-                                                           "GetWindowDpiAwarenessContext");
+    const auto get =
+        LoadedFunction<HANDLE(WINAPI*)(HWND)>(L"user32.dll", "GetWindowDpiAwarenessContext");
     const auto set =
         LoadedFunction<HANDLE(WINAPI*)(HANDLE)>(L"user32.dll", "SetThreadDpiAwarenessContext");
     if (!get || !set) return;

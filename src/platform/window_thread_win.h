@@ -4,7 +4,8 @@
 #include "session/window_thread.h"
 
 // The window thread's services on Windows: the performance counter, the thread's message queue,
-// MsgWaitForMultipleObjects (with a high-resolution timer where the system has one), ShowWindow, Direct2D window targets and the crossfade's bitmaps.
+// MsgWaitForMultipleObjects (with a high-resolution timer where the system has one), ShowWindow,
+// Direct2D window targets and the crossfade's bitmaps.
 class Win32WindowThread : public WindowThread {
 public:
     int64_t CounterFrequency() override;

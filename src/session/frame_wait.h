@@ -8,9 +8,9 @@
 // one, ends the wait at its due time instead; the wait's own time-out then only guards against a
 // timer that never fires.
 struct FrameWait {
-    bool onTimer = false;     // the timer is set and is the wait's one handle
-    int64_t timerDue = 0;     // its due time: negative, relative, in 100-nanosecond units
-    uint32_t timeoutMs = 0;   // the time-out of the wait itself
+    bool onTimer = false;   // the timer is set and is the wait's one handle
+    int64_t timerDue = 0;   // its due time: negative, relative, in 100-nanosecond units
+    uint32_t timeoutMs = 0; // the time-out of the wait itself
 };
 
 // The guard: a time-out one default clock tick after the timer's due time, so that the timer,

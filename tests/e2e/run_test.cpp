@@ -2,7 +2,11 @@
 // pane's picture can't be seen under Wine: see docs/testing.md.
 #include "e2e/driver.h"
 
+#include <aclapi.h>
+#include <sddl.h>
+
 #include <fstream>
+#include <set>
 
 namespace e2e {
 namespace {
@@ -95,6 +99,52 @@ INSTANTIATE_TEST_SUITE_P(
                       QuietRun{"SettingsToTheCompanion", L"/c", false, true, 'c'},
                       QuietRun{"SettingsInABox", L"/c", false, false, 'b'}),
     [](const auto& info) { return std::string(info.param.name); });
+
+// A user whose documents lie in a cloud folder gets the fixed folder at the root of drive C, and it
+// is theirs alone: its access list names this user and the system and takes nothing from C:\, so
+// no other account of the PC may see, change or share the photos in it.
+TEST_F(SaverTest, TheFixedPhotoFolderIsTheUsersOwn) {
+    constexpr wchar_t kShellFolders[] =
+        L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
+    const auto documents =
+        std::filesystem::path(_wgetenv(L"USERPROFILE")) / L"OneDrive" / L"Documents";
+    std::filesystem::create_directories(documents);
+    wchar_t before[MAX_PATH] = {};
+    DWORD size = sizeof before;
+    RegGetValueW(HKEY_CURRENT_USER, kShellFolders, L"Personal", RRF_RT_ANY | RRF_NOEXPAND, nullptr,
+                 before, &size);
+    const std::wstring cloud = documents.wstring();
+    RegSetKeyValueW(HKEY_CURRENT_USER, kShellFolders, L"Personal", REG_EXPAND_SZ, cloud.c_str(),
+                    static_cast<DWORD>((cloud.size() + 1) * sizeof(wchar_t)));
+    std::filesystem::remove_all(L"C:\\LumivaneItems");
+    Start(L"/x");
+    ExpectExitZero();
+    RegSetKeyValueW(HKEY_CURRENT_USER, kShellFolders, L"Personal", REG_EXPAND_SZ, before,
+                    static_cast<DWORD>((wcslen(before) + 1) * sizeof(wchar_t)));
+
+    PACL acl = nullptr;
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    ASSERT_EQ(GetNamedSecurityInfoW(L"C:\\LumivaneItems", SE_FILE_OBJECT, DACL_SECURITY_INFORMATION,
+                                    nullptr, nullptr, &acl, nullptr, &descriptor),
+              ERROR_SUCCESS);
+    std::set<std::wstring> named; // the SIDs of the access list, as text
+    for (DWORD i = 0; acl && i < acl->AceCount; ++i) {
+        ACCESS_ALLOWED_ACE* ace = nullptr;
+        LPWSTR text = nullptr;
+        if (GetAce(acl, i, reinterpret_cast<void**>(&ace)) &&
+            ConvertSidToStringSidW(&ace->SidStart, &text)) {
+            named.insert(text);
+            LocalFree(text);
+        }
+    }
+    LocalFree(descriptor);
+    // Everyone, Authenticated Users, Users; and this user must be there (an absent list would
+    // let everyone in).
+    for (const wchar_t* other : {L"S-1-1-0", L"S-1-5-11", L"S-1-5-32-545"})
+        EXPECT_EQ(named.count(other), 0u) << testing::PrintToString(std::wstring(other));
+    EXPECT_EQ(named.count(L"S-1-5-18"), 1u) << "the system";
+    EXPECT_EQ(named.size(), 2u);
+}
 
 } // namespace
 } // namespace e2e

@@ -157,6 +157,9 @@ TEST(PhotoDirectory, CandidatesAreTriedInOrderAndTheChoiceIsStored) {
         tree.unwritable = {unwritable};
         EXPECT_EQ(LinkPhotoDirectory(tree, dataDir), chosen) << settings;
         EXPECT_EQ(Settings::ReadString(L"ImportsDir"), chosen);
+        // The fixed folder, once tried, was made the user's own before its write test.
+        const bool triedFixed = chosen == fixed || chosen == dataDir;
+        EXPECT_EQ(tree.ownFolders, triedFixed ? std::set{fixed} : std::set<std::wstring>{});
         if (stored.empty()) EXPECT_EQ(PhotoDirectoryLine(), L"linked: photo directory " + chosen);
     }
 }

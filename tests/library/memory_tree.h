@@ -19,6 +19,7 @@ public:
     std::wstring documents = L"C:\\U\\Documents";
     std::set<std::wstring> unwritable; // folders whose write test fails
     std::set<std::wstring> stuck;      // paths that can't be moved (in use)
+    std::set<std::wstring> ownFolders; // folders made the user's own
 
     // Adds a file (attributes 0x20) or, with kDirectoryBit, a folder, with its missing parents.
     void Add(const std::wstring& path, uint32_t attributes = 0x20);
@@ -32,6 +33,9 @@ public:
     bool Move(const std::wstring& from, const std::wstring& to) override;
     uint32_t LastError() override { return 5; } // ERROR_ACCESS_DENIED, as a move of `stuck` gives
     bool CreateFolder(const std::wstring& path) override;
+    bool CreateOwnFolder(const std::wstring& path) override {
+        return CreateFolder(path) && ownFolders.insert(path).second;
+    }
     void CreateFolderTree(const std::wstring& path) override;
     bool RemoveFolder(const std::wstring& path) override;
     bool List(const std::wstring& pattern, std::vector<FolderEntry>& entries) override;

@@ -237,8 +237,10 @@ TEST(RenderLoop, WindowsDrawTheirCanvasAtThePassTimeShortPassesWaitAndLostTarget
 // wait for, the time-out alone.
 TEST(FrameWait, TheTimerEndsTheWaitOnTimeAndItsTimeoutOnlyGuards) {
     const std::tuple<uint32_t, bool, FrameWait> cases[] = {
-        {8, true, {true, -80000, 24}},  {12, true, {true, -120000, 28}},
-        {8, false, {false, 0, 8}},      {0, true, {false, 0, 0}},
+        {8, true, {true, -80000, 24}},
+        {12, true, {true, -120000, 28}},
+        {8, false, {false, 0, 8}},
+        {0, true, {false, 0, 0}},
     };
     for (const auto& [ms, timer, expected] : cases) {
         const FrameWait wait = PlanFrameWait(ms, timer);

@@ -40,9 +40,8 @@ bool WaitForEnd(HANDLE process, ULONGLONG milliseconds) {
     for (;;) {
         const ULONGLONG now = GetTickCount64();
         if (now >= deadline) return false;
-        const DWORD woken = MsgWaitForMultipleObjects(1, &process, FALSE,
-                                                      static_cast<DWORD>(deadline - now),
-                                                      QS_SENDMESSAGE);
+        const DWORD woken = MsgWaitForMultipleObjects(
+            1, &process, FALSE, static_cast<DWORD>(deadline - now), QS_SENDMESSAGE);
         if (woken == WAIT_OBJECT_0) return true;
         if (woken != WAIT_OBJECT_0 + 1) return false;
         MSG message;
