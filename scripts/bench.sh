@@ -11,7 +11,9 @@
 #   4. the companion's photo import: the downscaler's filters on the host (milliseconds and PSNR),
 #      then photos per second of ImportPhoto under Wine for the same real photos, each to a copy
 #      that covers 1920x1080, next to ImageMagick's convert -resize of the same files to the same
-#      size natively, as a ratio; and the peak memory of importing the 18 MP photo.
+#      size natively, as a ratio; and the peak memory of importing the 18 MP photo;
+#   5. a 12 MP photo through the saver's decoding chain to 1920x1080 as if its orientation tag were
+#      1, 6 or 4, the turned ones as a ratio to the upright one.
 #
 #   bash scripts/bench.sh            # 10 decoding runs per file and size, 30 s per presentation
 #   LUMIVANE_BENCH_RUNS=30 LUMIVANE_BENCH_SHOW_SECONDS=40 bash scripts/bench.sh
@@ -142,4 +144,18 @@ if [ -f "$largest" ]; then
   echo "   peak working set (GetProcessMemoryInfo): $after MB, of which $before MB before the import"
   echo "   largest resident set of the Wine process (/usr/bin/time): $(awk '{ printf "%.1f", $1 / 1024 }' "$rss_log") MB"
   rm -f "$rss_log"
+fi
+
+# A 12 MP photo (4000 x 3000) made from the largest one, through the chain as each orientation.
+twelve="$BENCH_BUILD/twelve-mp.jpg"
+if [ -f "$largest" ]; then
+  [ -f "$twelve" ] || convert "$largest" -resize '4000x3000!' -quality 92 "$twelve"
+  echo
+  echo "== a 12 MP photo to 1920x1080 through the saver's decoding chain, ms per photo, mean of $RUNS runs"
+  echo "   tag 6 (a quarter turn) and 4 (upside down) read the scaled photo from memory; -1: the"
+  echo "   flip-rotator can't turn it (Wine's turns only upside down)"
+  printf '%-12s %9s %9s %9s %9s %9s\n' pixels "tag 1" "tag 6" ratio "tag 4" ratio
+  lumivane_wine "$BENCH" orientation "$RUNS" "$(winpath "$twelve")" | tr -d '\r' |
+    awk '{ split($1, s, "x"); r6 = $3 > 0 ? sprintf("%.2f", $3 / $2) : "-";
+           printf "%6.1f MP %9.1f %9.1f %9s %9.1f %9.2f\n", s[1] * s[2] / 1e6, $2, $3, r6, $4, $4 / $2 }'
 fi

@@ -36,27 +36,33 @@ struct OpenFrame {
     }
 };
 
-// The chain that pulls pixels through: scaler in the frame's own axes, then the flip-rotator,
-// then the converter to premultiplied BGRA. Null on any failure.
-ComPtr<IWICBitmapSource> BuildChain(const OpenFrame& opened, const DecodeGeometry& geometry) {
+} // namespace
+
+ComPtr<IWICBitmapSource> BuildDecodeChain(IWICImagingFactory* factory, IWICBitmapSource* frame,
+                                          uint32_t transform, const DecodeGeometry& geometry) {
     ComPtr<IWICBitmapScaler> scaler;
-    if (FAILED(opened.factory->CreateBitmapScaler(&scaler)) ||
-        FAILED(scaler->Initialize(opened.frame.Get(), geometry.scaler.width, geometry.scaler.height,
+    if (FAILED(factory->CreateBitmapScaler(&scaler)) ||
+        FAILED(scaler->Initialize(frame, geometry.scaler.width, geometry.scaler.height,
                                   WICBitmapInterpolationModeFant))) {
         return nullptr;
     }
     ComPtr<IWICBitmapSource> upright = scaler;
-    if (opened.transform != 0) {
+    if (transform != 0) {
+        // The flip-rotator asks its source for one row or column at a time, in its own order:
+        // pulled straight from the scaler, each of those requests would decode the frame again
+        // from its top. The scaled photo is made once into memory, and turned there.
+        ComPtr<IWICBitmap> scaled;
         ComPtr<IWICBitmapFlipRotator> rotator;
-        if (FAILED(opened.factory->CreateBitmapFlipRotator(&rotator)) ||
-            FAILED(rotator->Initialize(scaler.Get(),
-                                       static_cast<WICBitmapTransformOptions>(opened.transform)))) {
+        if (FAILED(factory->CreateBitmapFromSource(scaler.Get(), WICBitmapCacheOnLoad, &scaled)) ||
+            FAILED(factory->CreateBitmapFlipRotator(&rotator)) ||
+            FAILED(rotator->Initialize(scaled.Get(),
+                                       static_cast<WICBitmapTransformOptions>(transform)))) {
             return nullptr;
         }
         upright = rotator;
     }
     ComPtr<IWICFormatConverter> converter;
-    if (FAILED(opened.factory->CreateFormatConverter(&converter)) ||
+    if (FAILED(factory->CreateFormatConverter(&converter)) ||
         FAILED(converter->Initialize(upright.Get(), GUID_WICPixelFormat32bppPBGRA,
                                      WICBitmapDitherTypeNone, nullptr, 0.0,
                                      WICBitmapPaletteTypeCustom))) {
@@ -64,8 +70,6 @@ ComPtr<IWICBitmapSource> BuildChain(const OpenFrame& opened, const DecodeGeometr
     }
     return converter;
 }
-
-} // namespace
 
 uint32_t ReadOrientation(IWICBitmapFrameDecode* frame) {
     ComPtr<IWICMetadataQueryReader> reader;
@@ -89,7 +93,8 @@ bool DecodeScaled(const std::wstring& path, int32_t width, int32_t height, bool 
     const auto geometry =
         PlanDecode(opened.width, opened.height, opened.transform, width, height, cover);
     if (!geometry) return false;
-    const ComPtr<IWICBitmapSource> chain = BuildChain(opened, *geometry);
+    const ComPtr<IWICBitmapSource> chain =
+        BuildDecodeChain(opened.factory.Get(), opened.frame.Get(), opened.transform, *geometry);
     if (!chain) return false;
 
     const WICRect source{static_cast<INT>(geometry->sourceX), static_cast<INT>(geometry->sourceY),
