@@ -47,4 +47,14 @@ target_link_libraries(LumivaneApp PRIVATE lumivane_companion lumivane_platform c
 target_include_directories(LumivaneApp PRIVATE ${CMAKE_BINARY_DIR}/generated res)
 target_compile_options(LumivaneApp PRIVATE -Wall -Wextra)
 
+# Release signing: with a certificate in the LUMIVANE_SIGN_* variables of the build's environment,
+# scripts/sign.sh signs each program as soon as it is linked, so the installer only ever packs
+# signed files (README, docs/installer.md). Without one the step changes nothing.
+set(LUMIVANE_SIGN_SCRIPT ${CMAKE_SOURCE_DIR}/scripts/sign.sh)
+foreach(program Lumivane LumivaneApp)
+    add_custom_command(TARGET ${program} POST_BUILD
+        COMMAND bash ${LUMIVANE_SIGN_SCRIPT} $<TARGET_FILE:${program}>
+        VERBATIM)
+endforeach()
+
 include(cmake/installer.cmake)

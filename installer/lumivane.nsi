@@ -5,8 +5,9 @@
 ; gets a Start-menu shortcut and starts at sign-in, and Lumivane becomes the user's screen saver.
 ;
 ; The build passes: VERSION (major.minor.patch, from project() in CMakeLists.txt), SCR (the built
-; Lumivane.scr), EXE (the built Lumivane.exe), ICON (res/lumivane.ico) and OUTFILE (the setup
-; program to write).
+; Lumivane.scr), EXE (the built Lumivane.exe), ICON (res/lumivane.ico), OUTFILE (the setup
+; program to write) and SIGN_SCRIPT (scripts/sign.sh, which signs when the build is given a
+; certificate and does nothing otherwise).
 ;
 ;   Lumivane-<version>-setup.exe          interactive; opens Lumivane's settings at the end
 ;   Lumivane-<version>-setup.exe /S       silent, for deployment; opens and starts nothing
@@ -40,6 +41,14 @@ ManifestSupportedOS all
 
 Name "${PRODUCT}"
 OutFile "${OUTFILE}"
+
+; The uninstaller is signed before it is packed into the setup, so that the Uninstall.exe the setup
+; writes carries a signature too; the setup itself once it is written. A failed signing fails the
+; build.
+!ifdef SIGN_SCRIPT
+    !uninstfinalize 'bash "${SIGN_SCRIPT}" "%1"' = 0
+    !finalize 'bash "${SIGN_SCRIPT}" "%1"' = 0
+!endif
 InstallDir "$LOCALAPPDATA\Programs\${PRODUCT}"
 BrandingText "${PRODUCT} ${VERSION}"
 ShowInstDetails nevershow

@@ -25,6 +25,8 @@ want libgl1-mesa-dri
 want fonts-dejavu-core
 # NSIS, which builds the Windows installer (the installer target of the Windows build)
 want nsis
+# osslsigncode, which signs the programs and the setup of a release (scripts/sign.sh)
+want osslsigncode
 # clang with its runtime libraries, for the libFuzzer target of tests/fuzz
 want clang
 want libclang-rt-14-dev

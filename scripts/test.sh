@@ -6,6 +6,7 @@
 #   the Windows installer (NSIS), in build/win
 #   tier 3  end-to-end scenarios: the real Lumivane.scr under Wine on a virtual two-monitor display,
 #           a DLL planted beside it, and the installer in a fresh Wine prefix
+#   release signing with a throw-away certificate, on copies in build/signed
 # Exits non-zero when any tier fails. Works unattended (CI=true, no standard input, as root).
 set -uo pipefail
 
@@ -41,8 +42,9 @@ gtest_count() {
 }
 
 say "dependencies"
-# ImageMagick and real photos for the import's scenario.
-if ! bash scripts/install-deps.sh imagemagick mate-backgrounds </dev/null; then
+# ImageMagick and real photos for the import's scenario; openssl for the signing row's throw-away
+# certificate and 7-Zip to take the signed setup apart.
+if ! bash scripts/install-deps.sh imagemagick mate-backgrounds openssl 7zip </dev/null; then
   echo "test.sh: installing the dependencies failed" >&2
   exit 1
 fi
@@ -212,6 +214,60 @@ if [ "$win_built" = 1 ]; then
   else
     record "2+3 Wine / virtual display" FAILED 0 0 0
   fi
+fi
+
+# ---- release signing ----------------------------------------------------------------------
+# A release is signed when the build is given a certificate (scripts/sign.sh, README). Here a
+# throw-away self-signed one signs copies of the built programs in build/signed, so build/win stays
+# as the other rows expect it, and makensis makes a setup of them as the installer target does. The
+# programs are signed with a certificate and key, the setup with a PKCS#12 file and its password,
+# so both forms are used. With that certificate as the only trusted root, osslsigncode must accept
+# each SHA-256 signature; the uninstaller is taken out of the setup with 7-Zip.
+SIGNED="$BUILD/signed"
+# sign_verified FILE: FILE carries a valid SHA-256 signature by the throw-away certificate.
+sign_verified() {
+  local out
+  out="$(osslsigncode verify -CAfile "$SIGNED/cert.pem" -in "$1" 2>&1)" &&
+    grep -qE '^Message digest algorithm *: SHA256' <<<"$out"
+}
+# sign_check DESCRIPTION FILE...
+sign_check() {
+  local what="$1" file; shift
+  for file in "$@"; do
+    if ! sign_verified "$file"; then
+      echo "FAILED: $what ($file)" >&2
+      return 1
+    fi
+  done
+  echo "ok: $what"
+}
+sign_release() {
+  local version setup
+  version="$(sed -n 's/^project(Lumivane VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)"
+  setup="$SIGNED/Lumivane-$version-setup.exe"
+  rm -rf "$SIGNED" && mkdir -p "$SIGNED/unpacked" || return 1
+  openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj "/CN=Lumivane test signing" \
+    -addext extendedKeyUsage=codeSigning -keyout "$SIGNED/key.pem" -out "$SIGNED/cert.pem" \
+    2>/dev/null &&
+    openssl pkcs12 -export -inkey "$SIGNED/key.pem" -in "$SIGNED/cert.pem" -passout pass:test \
+      -out "$SIGNED/cert.p12" &&
+    cp build/win/Lumivane.scr build/win/Lumivane.exe "$SIGNED/" || return 1
+  LUMIVANE_SIGN_CERT="$SIGNED/cert.pem" LUMIVANE_SIGN_KEY="$SIGNED/key.pem" \
+    bash scripts/sign.sh "$SIGNED/Lumivane.scr" "$SIGNED/Lumivane.exe"
+  sign_check "a certificate and its key sign the programs" \
+    "$SIGNED/Lumivane.scr" "$SIGNED/Lumivane.exe" || return 1
+  # makensis with the defines that cmake/installer.cmake passes.
+  LUMIVANE_SIGN_PKCS12="$SIGNED/cert.p12" LUMIVANE_SIGN_PASSWORD=test makensis -V2 \
+    -DVERSION="$version" -DSCR="$SIGNED/Lumivane.scr" -DEXE="$SIGNED/Lumivane.exe" \
+    -DICON="$ROOT/res/lumivane.ico" -DOUTFILE="$setup" -DSIGN_SCRIPT="$ROOT/scripts/sign.sh" \
+    installer/lumivane.nsi || return 1
+  sign_check "a PKCS#12 file and its password sign the setup" "$setup" || return 1
+  (cd "$SIGNED/unpacked" && 7zz x -bso0 -bsp0 "$setup" Uninstall.exe) &&
+    sign_check "the setup's uninstaller is signed" "$SIGNED/unpacked/Uninstall.exe"
+}
+if [ "$win_built" = 1 ]; then
+  say "release signing"
+  run_scenario "  release signing" sign_release
 fi
 
 # ---- summary ------------------------------------------------------------------------------
