@@ -38,6 +38,16 @@ ManifestSupportedOS all
 ; OpenProcess access that lets us wait for the process to end, and how long we wait, in ms.
 !define SYNCHRONIZE 0x00100000
 !define APP_END_TIMEOUT 5000
+; A file that a running program holds (the saver, its preview in the screen saver settings, a
+; Lumivane.exe that did not end) is moved out of the way within its folder, to <file>.<n>.old
+; (Lumivane.scr.1.old), and removed once nothing runs from it.
+!define ASIDE_SUFFIX ".old"
+!define MOVEFILE_DELAY_UNTIL_REBOOT 4
+; Commands that run once, at the user's next sign-in.
+!define RUN_ONCE_KEY "Software\Microsoft\Windows\CurrentVersion\RunOnce"
+; Such a command for the files set aside: removes every one of them, quietly.
+!define ASIDE_REMOVAL 'del /f /q "$INSTDIR\${SAVER}.*${ASIDE_SUFFIX}" \
+    "$INSTDIR\${APP}.*${ASIDE_SUFFIX}" 2>nul'
 
 Name "${PRODUCT}"
 OutFile "${OUTFILE}"
@@ -117,14 +127,109 @@ VIAddVersionKey /LANG=0 "LegalCopyright" "Copyright (C) Lumivane"
 !insertmacro EndRunningApp ""
 !insertmacro EndRunningApp "un."
 
+; The paths that the setup or the uninstaller moved the two files to ("" for none), and what
+; became of the set-aside files: AsideLeft is 1 when some of them wait for their removal,
+; AsideAtSignIn is 1 when that waits for the user's next sign-in.
+Var SaverAside
+Var AppAside
+Var AsideLeft
+Var AsideAtSignIn
+
+; Moves the installed file whose name is on the stack out of the way, to <file>.<n>.old with the
+; lowest free n, and leaves that path on the stack: "" when there was no file or it could not be
+; moved. Windows refuses to replace or delete the file of a running program, but lets it be
+; renamed within its volume; the program runs on from the new name, and the old name is free.
+!macro SetAside un
+    Function ${un}SetAside
+        Exch $R0
+        Push $R1
+        Push $R2
+        StrCpy $R1 ""
+        ${If} ${FileExists} "$INSTDIR\$R0"
+            StrCpy $R2 1
+            ${While} ${FileExists} "$INSTDIR\$R0.$R2${ASIDE_SUFFIX}"
+                IntOp $R2 $R2 + 1
+            ${EndWhile}
+            Rename "$INSTDIR\$R0" "$INSTDIR\$R0.$R2${ASIDE_SUFFIX}"
+            ${IfNot} ${FileExists} "$INSTDIR\$R0"
+                StrCpy $R1 "$INSTDIR\$R0.$R2${ASIDE_SUFFIX}"
+            ${EndIf}
+        ${EndIf}
+        Pop $R2
+        StrCpy $R0 $R1
+        Pop $R1
+        Exch $R0
+    FunctionEnd
+
+    ; Removes every file set aside for the installed file whose name is on the stack, by this run
+    ; or an earlier one: at once where nothing runs from it any more, else at the next restart of
+    ; Windows. Windows takes removals at restart only from administrators (it keeps them for the
+    ; whole machine), so for a user without those rights the removal waits for the user's next
+    ; sign-in instead (AsideAtSignIn; the caller writes the RunOnce command).
+    Function ${un}RemoveSetAside
+        Exch $R0
+        Push $R1
+        Push $R2
+        Push $R3
+        Delete "$INSTDIR\$R0.*${ASIDE_SUFFIX}"
+        FindFirst $R1 $R2 "$INSTDIR\$R0.*${ASIDE_SUFFIX}"
+        ${DoWhile} $R2 != ""
+            StrCpy $AsideLeft 1
+            StrCpy $R3 "$INSTDIR\$R2"
+            System::Call "kernel32::MoveFileExW(w R3, p 0, i ${MOVEFILE_DELAY_UNTIL_REBOOT}) i .R3"
+            ${If} $R3 = 0
+                StrCpy $AsideAtSignIn 1
+            ${EndIf}
+            FindNext $R1 $R2
+        ${Loop}
+        FindClose $R1
+        ClearErrors
+        Pop $R3
+        Pop $R2
+        Pop $R1
+        Pop $R0
+    FunctionEnd
+!macroend
+!insertmacro SetAside ""
+!insertmacro SetAside "un."
+
 Section
     ; A running Lumivane.exe keeps its file from being replaced.
     Call EndRunningApp
     SetOutPath "$INSTDIR"
-    ; Over an older version, the files are replaced.
-    SetOverwrite on
-    File "/oname=${SAVER}" "${SCR}"
-    File "/oname=${APP}" "${EXE}"
+    ; Over an older version, the files are replaced. A running Lumivane.scr (the screen saver, or
+    ; its preview in the screen saver settings) holds its file as well, so the old files are
+    ; moved out of the way first; they go once the new ones are in place.
+    Push "${SAVER}"
+    Call SetAside
+    Pop $SaverAside
+    Push "${APP}"
+    Call SetAside
+    Pop $AppAside
+    ClearErrors
+    ${If} ${FileExists} "$INSTDIR\${SAVER}"
+    ${OrIf} ${FileExists} "$INSTDIR\${APP}"
+        SetErrors
+    ${Else}
+        File "/oname=${SAVER}" "${SCR}"
+        File "/oname=${APP}" "${EXE}"
+    ${EndIf}
+    ${If} ${Errors}
+        ; Nothing new is recorded, and .onInstFailed puts the old files back: the version
+        ; installed before stays as it was, and the exit code tells a deployment tool.
+        MessageBox MB_OK|MB_ICONSTOP "${PRODUCT} ${VERSION} could not be written to $INSTDIR: \
+            another program holds its files. The installed version was left as it was; run the \
+            setup again later." /SD IDOK
+        SetErrorLevel 2
+        Abort
+    ${EndIf}
+    Push "${SAVER}"
+    Call RemoveSetAside
+    Push "${APP}"
+    Call RemoveSetAside
+    ${If} $AsideAtSignIn = 1
+        WriteRegStr HKCU "${RUN_ONCE_KEY}" "${PRODUCT}" '"$SYSDIR\cmd.exe" /d /c ${ASIDE_REMOVAL}'
+    ${EndIf}
     WriteUninstaller "$INSTDIR\${UNINSTALLER}"
 
     ; The Start-menu entry opens the settings; at sign-in only the tray starts, quietly.
@@ -162,6 +267,18 @@ Function OpenScreenSaverSettings
     Exec '"$SYSDIR\control.exe" desk.cpl,,@screensaver'
 FunctionEnd
 
+; An install that failed leaves the version from before in place: the files set aside go back.
+Function .onInstFailed
+    ${If} $SaverAside != ""
+        Delete "$INSTDIR\${SAVER}"
+        Rename "$SaverAside" "$INSTDIR\${SAVER}"
+    ${EndIf}
+    ${If} $AppAside != ""
+        Delete "$INSTDIR\${APP}"
+        Rename "$AppAside" "$INSTDIR\${APP}"
+    ${EndIf}
+FunctionEnd
+
 ; Once the setup's window has closed: start the tray and open Lumivane's settings, so that a new
 ; user can sign in and bring photos. A silent install starts nothing.
 Function .onInstSuccess
@@ -172,24 +289,29 @@ FunctionEnd
 
 Section "Uninstall"
     Call un.EndRunningApp
-    Delete "$INSTDIR\${APP}"
-    ${If} ${FileExists} "$INSTDIR\${APP}"
-        ; Still running (it did not end in time): nothing else is removed, so that the uninstall
-        ; can simply be run again.
-        MessageBox MB_OK|MB_ICONEXCLAMATION "${APP} is in use. Exit ${PRODUCT} from its icon in \
-            the notification area and run the uninstall again." /SD IDOK
-        SetErrorLevel 2
-        Abort
-    ${EndIf}
-
-    ; Taken while the file still exists: its short form needs it.
+    ; Both programs out of the way first, so that nothing is removed when either can't be. One
+    ; that still runs (a Lumivane.exe that did not end, the screen saver or its preview) runs on
+    ; from its set-aside file, which goes once it has ended (un.RemoveSetAside); the name is free
+    ; at once, for an install that follows before then.
+    Push "${APP}"
+    Call un.SetAside
+    Pop $AppAside
+    ; Taken while the file still has its name: its short form needs it.
     !insertmacro SaverSelectionPath
-    Delete "$INSTDIR\${SAVER}"
-    ${If} ${FileExists} "$INSTDIR\${SAVER}"
-        ; Running, for instance in the preview of the screen saver settings: nothing more than
-        ; Lumivane.exe is removed, so that the uninstall can simply be run again.
-        MessageBox MB_OK|MB_ICONEXCLAMATION "${SAVER} is in use. Close the screen saver \
-            settings and run the uninstall again." /SD IDOK
+    Push "${SAVER}"
+    Call un.SetAside
+    Pop $SaverAside
+    ${If} ${FileExists} "$INSTDIR\${APP}"
+    ${OrIf} ${FileExists} "$INSTDIR\${SAVER}"
+        ${If} $AppAside != ""
+            Rename "$AppAside" "$INSTDIR\${APP}"
+        ${EndIf}
+        ${If} $SaverAside != ""
+            Rename "$SaverAside" "$INSTDIR\${SAVER}"
+        ${EndIf}
+        MessageBox MB_OK|MB_ICONEXCLAMATION "${PRODUCT} could not be removed from $INSTDIR: \
+            another program holds its files. Nothing was removed; run the uninstall again \
+            later." /SD IDOK
         SetErrorLevel 2
         Abort
     ${EndIf}
@@ -218,6 +340,18 @@ Section "Uninstall"
     ; photos, the photo directory and the data folder with its log and crash reports live
     ; elsewhere and are never touched.
     Delete "$INSTDIR\${UNINSTALLER}"
+    Push "${SAVER}"
+    Call un.RemoveSetAside
+    Push "${APP}"
+    Call un.RemoveSetAside
     RMDir "$INSTDIR"
+    ; Set-aside files that wait for their removal take the folder along when it is empty then.
+    ${If} $AsideAtSignIn = 1
+        WriteRegStr HKCU "${RUN_ONCE_KEY}" "${PRODUCT}" \
+            '"$SYSDIR\cmd.exe" /d /c ${ASIDE_REMOVAL} & rmdir "$INSTDIR" 2>nul'
+    ${ElseIf} $AsideLeft = 1
+        StrCpy $1 "$INSTDIR"
+        System::Call "kernel32::MoveFileExW(w r1, p 0, i ${MOVEFILE_DELAY_UNTIL_REBOOT})"
+    ${EndIf}
     DeleteRegKey HKCU "${UNINSTALL_KEY}"
 SectionEnd

@@ -174,36 +174,30 @@ lumivane_wine_start() {
   lumivane_prepare_prefix
 }
 
-# lumivane_run_saver SAVER [FOLDER SHOTS INTERVAL_MS]: one full-screen run of SAVER (a Unix or a
-# Windows path) as a user meets it: starts "SAVER /s", waits until its windows show, saves SHOTS
-# screenshots of the whole display into FOLDER as shot-1.png, shot-2.png, ..., the first
-# INTERVAL_MS after the windows showed and each next one INTERVAL_MS later, then ends the run as a
-# user would, with a mouse move. Succeeds only when the windows showed, every screenshot was saved
-# and the saver ended with exit code 0. Needs xdotool, and ImageMagick for screenshots. Wine names
-# the X class of every window of a program after its file, so the windows are found by that name.
-lumivane_run_saver() {
-  local saver="$1" folder="${2:-}" shots="${3:-0}" interval="${4:-2000}"
-  local class="${saver##*[\\/]}" pid shot i ok=0
+# lumivane_start_saver SAVER: starts "SAVER /s" (a Unix or a Windows path) in the background, as
+# LUMIVANE_SAVER_PID, and succeeds once its windows show. Wine names the X class of every window of
+# a program after its file, so the windows are found by that name. Needs xdotool.
+lumivane_start_saver() {
+  local saver="$1" class="${1##*[\\/]}" i
   class="${class,,}"
   "$LUMIVANE_WINE64" "$saver" /s &
-  pid=$!
+  LUMIVANE_SAVER_PID=$!
   # Wine starts a program in about a second; a loaded machine gets 20.
   for i in $(seq 200); do
     if [ -n "$(xdotool search --onlyvisible --classname "^${class//./\\.}\$" 2>/dev/null)" ]; then
-      ok=1
-      break
+      return 0
     fi
-    kill -0 "$pid" 2>/dev/null || break
+    kill -0 "$LUMIVANE_SAVER_PID" 2>/dev/null || break
     sleep 0.1
   done
-  if [ "$ok" != 1 ]; then
-    lumivane_log "$saver /s showed no window"
-    shots=0
-  fi
-  for shot in $(seq "$shots"); do
-    sleep "$(awk -v ms="$interval" 'BEGIN { print ms / 1000 }')"
-    import -window root "$folder/shot-$shot.png" || ok=0
-  done
+  lumivane_log "$saver /s showed no window"
+  return 1
+}
+
+# lumivane_end_saver: ends the run of lumivane_start_saver as a user would, with a mouse move, and
+# succeeds when it then ends with exit code 0.
+lumivane_end_saver() {
+  local pid="$LUMIVANE_SAVER_PID" i
   # The saver takes its first move as its resting place only, and Wine may merge moves that come
   # quickly: move to and fro, 100 pixels apart, until the run ends (at most 10 s).
   for i in $(seq 50); do
@@ -212,9 +206,24 @@ lumivane_run_saver() {
     sleep 0.2
   done
   if kill -0 "$pid" 2>/dev/null; then
-    lumivane_log "$saver /s still runs after 10 s of mouse moves"
+    lumivane_log "the saver still runs after 10 s of mouse moves"
     kill "$pid"
   fi
-  wait "$pid" || ok=0
+  wait "$pid"
+}
+
+# lumivane_run_saver SAVER [FOLDER SHOTS INTERVAL_MS]: one full-screen run of SAVER as a user meets
+# it: lumivane_start_saver, then SHOTS screenshots of the whole display saved into FOLDER as
+# shot-1.png, shot-2.png, ..., the first INTERVAL_MS after the windows showed and each next one
+# INTERVAL_MS later, then lumivane_end_saver. Succeeds only when the windows showed, every
+# screenshot was saved and the saver ended with exit code 0. Needs ImageMagick for screenshots.
+lumivane_run_saver() {
+  local folder="${2:-}" shots="${3:-0}" interval="${4:-2000}" shot ok=1
+  lumivane_start_saver "$1" || { ok=0; shots=0; }
+  for shot in $(seq "$shots"); do
+    sleep "$(awk -v ms="$interval" 'BEGIN { print ms / 1000 }')"
+    import -window root "$folder/shot-$shot.png" || ok=0
+  done
+  lumivane_end_saver || ok=0
   [ "$ok" = 1 ]
 }

@@ -147,9 +147,9 @@ scenario_setup_with_defaults() {
 
 # An administrator's deployment, in a fresh prefix: a silent install, a run of the installed saver
 # and of Lumivane.exe from its Start-menu shortcut, a silent uninstall; then again over an older
-# version whose Lumivane.exe runs, with the user choosing another saver and changing the sign-in
-# entry in between; last, a user's interactive install. The user's photos and data folder from
-# before stay byte for byte the same.
+# version whose Lumivane.exe and saver run, and an uninstall while the saver runs, with the user
+# choosing another saver and changing the sign-in entry in between; last, a user's interactive
+# install. The user's photos and data folder from before stay byte for byte the same.
 scenario_installer() {
   local version setup
   version="$(sed -n 's/^project(Lumivane VERSION \([0-9.]*\).*/\1/p' "$LUMIVANE_ROOT/CMakeLists.txt")"
@@ -248,24 +248,40 @@ EOT
     test -z "$(scenario_reg_value "$desktop" SCRNSAVE.EXE)"
   scenario_check "the screen saver is off" test "$(scenario_reg_value "$desktop" ScreenSaveActive)" = 0
 
-  # Again, over an older version whose tray runs (a program with bytes after its image runs as
-  # before), and the user picks another saver and changes the sign-in entry before the uninstall.
-  mkdir -p "$folder" && echo "an older Lumivane.scr" >"$folder/Lumivane.scr" &&
+  # Again, over an older version whose tray and saver run (a program with bytes after its image
+  # runs as before). Their files are set aside and go at a restart (Wine's: wineboot -r).
+  local scr="$LUMIVANE_ROOT/build/win/Lumivane.scr"
+  mkdir -p "$folder" && { cat "$scr" && echo "an older Lumivane.scr"; } >"$folder/Lumivane.scr" &&
     { cat "$app" && echo "an older Lumivane.exe"; } >"$folder/Lumivane.exe"
   scenario_start_tray "$folder/Lumivane.exe" || scenario_fail "the older Lumivane.exe did not start"
+  lumivane_start_saver "$win_folder\\Lumivane.scr" 2>/dev/null ||
+    scenario_fail "the older Lumivane.scr did not start"
   lumivane_wine "$setup" /S 2>/dev/null
-  scenario_check "an install over an older version replaces it" \
-    cmp -s "$folder/Lumivane.scr" "$LUMIVANE_ROOT/build/win/Lumivane.scr"
+  scenario_check "an install over a running older version succeeds" test $? = 0
+  scenario_check "an install over a running Lumivane.scr replaces it" cmp -s "$folder/Lumivane.scr" "$scr"
   scenario_check "an install over a running Lumivane.exe replaces it" cmp -s "$folder/Lumivane.exe" "$app"
+  scenario_check "installed apps: the new version" \
+    test "$(scenario_reg_value "$entry" DisplayVersion)" = "$version"
+  scenario_check "the older saver runs on and ends on a mouse move" lumivane_end_saver 2>/dev/null
+  lumivane_wine wineboot -r >/dev/null 2>&1
+  scenario_check "after a restart nothing is left beside the installed files" \
+    test "$(cd "$folder" && echo *)" = "Lumivane.exe Lumivane.scr Uninstall.exe"
+
+  # The user picks another saver and changes the sign-in entry, then uninstalls while the saver runs.
   local other='C:\windows\system32\other.scr' own_run="\"C:\\Tools\\Lumivane.exe\" --quiet"
   lumivane_wine reg add "$desktop" /v SCRNSAVE.EXE /d "$other" /f >/dev/null 2>&1
   lumivane_wine reg add "$run" /v Lumivane /d "$own_run" /f >/dev/null 2>&1
-  lumivane_wine "$folder/Uninstall.exe" /S && scenario_wait_for_prefix
+  lumivane_start_saver "$win_folder\\Lumivane.scr" 2>/dev/null || scenario_fail "Lumivane.scr did not start"
+  lumivane_wine "$folder/Uninstall.exe" /S
+  scenario_check "an uninstall beside a running saver removes the installed-apps entry" \
+    scenario_within 30 scenario_not lumivane_wine reg query "$entry"
+  lumivane_end_saver 2>/dev/null
   scenario_check "a user who chose another saver keeps it" \
     test "$(scenario_reg_value "$desktop" SCRNSAVE.EXE)" = "$other"
   scenario_check "a sign-in entry the user changed stays" \
     test "$(scenario_reg_value "$run" Lumivane)" = "$own_run"
-  scenario_check "the second uninstall removes the folder" test ! -e "$folder"
+  lumivane_wine wineboot -r >/dev/null 2>&1 && scenario_wait_for_prefix
+  scenario_check "after a restart the second uninstall has removed the folder" test ! -e "$folder"
 
   # A user's own install, taking every page's default.
   WINEDEBUG=-all,+loaddll scenario_setup_with_defaults "$setup" 2>"$trace"
