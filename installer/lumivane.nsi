@@ -60,6 +60,9 @@ OutFile "${OUTFILE}"
     !finalize 'bash "${SIGN_SCRIPT}" "%1"' = 0
 !endif
 InstallDir "$LOCALAPPDATA\Programs\${PRODUCT}"
+; An install into another folder (/D=) is found again by the next one, which replaces it there
+; instead of leaving it behind under the same installed-apps entry.
+InstallDirRegKey HKCU "${UNINSTALL_KEY}" "InstallLocation"
 BrandingText "${PRODUCT} ${VERSION}"
 ShowInstDetails nevershow
 ShowUninstDetails nevershow
