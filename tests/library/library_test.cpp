@@ -162,6 +162,13 @@ TEST(PhotoDirectory, CandidatesAreTriedInOrderAndTheChoiceIsStored) {
         EXPECT_EQ(tree.ownFolders, triedFixed ? std::set{fixed} : std::set<std::wstring>{});
         if (stored.empty()) EXPECT_EQ(PhotoDirectoryLine(), L"linked: photo directory " + chosen);
     }
+    // A fixed folder that an earlier start made is tested and used as it is.
+    MemoryTree tree;
+    TestRegistry() = {};
+    tree.documents.clear();
+    tree.Add(fixed, kDirectoryBit);
+    EXPECT_EQ(LinkPhotoDirectory(tree, dataDir), fixed);
+    EXPECT_TRUE(tree.ownFolders.empty());
 }
 
 // The order of building the data paths: the stored photo directory is read after the migration
