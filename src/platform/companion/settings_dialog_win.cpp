@@ -23,9 +23,17 @@ constexpr const wchar_t* kShowNames[SettingsForm::ShowCount] = {
 constexpr const wchar_t* kLanguageNames[kLanguageCount] = {
     L"English", L"Deutsch", L"Español", L"Français", L"Italiano", L"Nederlands", L"Português"};
 
-bool FolderExists(const std::wstring& folder) {
+// Whether a folder is known to be gone. A folder on a network share (a UNC path, or a drive letter
+// mapped to one) isn't looked at: with its server out of reach the call would hold the dialog for
+// as long as the network takes to give up, up to a minute.
+bool FolderMissing(const std::wstring& folder) {
+    if (folder.rfind(L"\\\\", 0) == 0) return false;
+    if (folder.size() >= 2 && folder[1] == L':') {
+        const wchar_t root[] = {folder[0], L':', L'\\', L'\0'};
+        if (GetDriveTypeW(root) == DRIVE_REMOTE) return false;
+    }
     const DWORD attributes = GetFileAttributesW(folder.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+    return attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
 void FillCombo(HWND combo, const std::vector<std::wstring>& items, int selected) {
@@ -215,7 +223,7 @@ void SettingsDialog::ShowFolders(int selected) {
     const HGDIOBJ font =
         SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(list, WM_GETFONT, 0, 0)));
     for (const std::wstring& folder : folders) {
-        const std::wstring line = FolderExists(folder) ? folder : folder + L"  " + notFound;
+        const std::wstring line = FolderMissing(folder) ? folder + L"  " + notFound : folder;
         SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(line.c_str()));
         SIZE size{};
         GetTextExtentPoint32W(dc, line.c_str(), static_cast<int>(line.size()), &size);
