@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-// What both programs do first thing in wWinMain, before any library is loaded.
+// What both programs do first thing in wWinMain, before any library is loaded; and the DPI set-up
+// of a preview, which looks up the newer calls at run time in the same way.
 
 // Every later library load, including the libraries that system DLLs pull in by name, searches
 // only the system folder; the current directory is never searched either.

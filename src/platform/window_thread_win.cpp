@@ -32,13 +32,6 @@ void Win32WindowThread::WaitForInput(uint32_t milliseconds) {
     // Every kind of input and message, as Windows 7 knows them: the headers' QS_ALLINPUT grows
     // with _WIN32_WINNT (QS_TOUCH, QS_POINTER), and Windows 7 rejects the wait with those bits.
     constexpr DWORD kAllInputWindows7 = 0x4FF;
-    if (!frameTimerTried) {
-        frameTimerTried = true;
-        // Windows 10 1803 and later; earlier systems reject the flag and keep the plain wait.
-        constexpr DWORD kHighResolution = 0x2; // CREATE_WAITABLE_TIMER_HIGH_RESOLUTION
-        frameTimer.Reset(
-            CreateWaitableTimerExW(nullptr, nullptr, kHighResolution, TIMER_ALL_ACCESS));
-    }
     FrameWait wait = PlanFrameWait(milliseconds, frameTimer.Valid());
     if (wait.onTimer) {
         LARGE_INTEGER due{};

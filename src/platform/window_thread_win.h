@@ -25,7 +25,9 @@ public:
                       PlatformObject& bitmap) override;
 
 private:
-    // Made at the first wait; stays invalid where the system has no high-resolution timer.
-    UniqueHandle frameTimer;
-    bool frameTimerTried = false;
+    // The frame wait's timer; invalid where the system has no high-resolution timer (before
+    // Windows 10 1803, which rejects the flag), and the plain wait serves.
+    UniqueHandle frameTimer{CreateWaitableTimerExW(nullptr, nullptr,
+                                                   0x2, // CREATE_WAITABLE_TIMER_HIGH_RESOLUTION
+                                                   TIMER_ALL_ACCESS)};
 };

@@ -126,11 +126,11 @@ void SaverPreview::Stop() {
     // another process without telling that process, whose run would then go on unseen, holding
     // its file; a saver still starting, or stuck, is ended by force.
     HWND saverWindow = host ? FindWindowExW(host, nullptr, kSaverWindowClass, nullptr) : nullptr;
-    if (saverWindow) PostMessageW(saverWindow, WM_CLOSE, 0, 0);
-    const bool ended = !process.Valid() || WaitForEnd(process.Get(), saverWindow ? kEndMs : 0);
+    if (saverWindow && PostMessageW(saverWindow, WM_CLOSE, 0, 0) && process.Valid())
+        WaitForEnd(process.Get(), kEndMs);
     if (host) DestroyWindow(host);
     host = nullptr;
-    if (!ended && !WaitForEnd(process.Get(), kEndMs)) TerminateProcess(process.Get(), 1);
+    if (process.Valid() && !WaitForEnd(process.Get(), kEndMs)) TerminateProcess(process.Get(), 1);
     process.Reset();
 }
 
